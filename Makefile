@@ -1,0 +1,36 @@
+# Front door for people and CI. Each target installs missing dependencies first.
+#   make run                 build and start Paneforge
+#   make test                build and run every test
+#   make test PRESET=asan    the same under AddressSanitizer and UndefinedBehaviorSanitizer
+#   make bench               build and run the benchmarks
+# WERROR=ON turns compiler warnings into errors (CI sets it).
+
+PRESET ?= default
+WERROR ?= OFF
+BUILD_DIR := build/$(PRESET)
+
+.PHONY: deps configure build test run bench format clean
+
+deps:
+	@scripts/install-deps.sh
+
+configure: deps
+	cmake --preset $(PRESET) -DPANEFORGE_WERROR=$(WERROR)
+
+build: configure
+	cmake --build --preset $(PRESET)
+
+test: build
+	ctest --preset $(PRESET)
+
+run: build
+	$(BUILD_DIR)/src/paneforge
+
+bench: build
+	scripts/run-benchmarks.sh $(BUILD_DIR)
+
+format:
+	git ls-files '*.cpp' '*.h' '*.mm' | xargs clang-format -i
+
+clean:
+	rm -rf build
