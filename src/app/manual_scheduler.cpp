@@ -19,7 +19,9 @@ struct ManualScheduler::Entry final : ScheduledWork {
 ManualScheduler::ManualScheduler() = default;
 ManualScheduler::~ManualScheduler() = default;
 
-void ManualScheduler::post(Task task) { posted_.push_back(std::move(task)); }
+void ManualScheduler::post(Task task) {
+    posted_.push_back(std::move(task));
+}
 
 ScheduledWorkHandle ManualScheduler::postAfter(double seconds, Task task) {
     return schedule(seconds, std::move(task), false);

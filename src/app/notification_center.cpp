@@ -17,7 +17,9 @@ struct NotificationCenter::Registry {
 class NotificationCenter::Token final : public NotificationCenter::Observation {
 public:
     Token(std::weak_ptr<NotificationCenter::Registry> registry, QString name, std::uint64_t id)
-        : registry_(std::move(registry)), name_(std::move(name)), id_(id) {}
+        : registry_(std::move(registry))
+        , name_(std::move(name))
+        , id_(id) {}
     ~Token() override {
         if (auto registry = registry_.lock()) {
             auto& list = registry->observers[name_];
@@ -31,7 +33,8 @@ private:
     std::uint64_t id_;
 };
 
-NotificationCenter::NotificationCenter() : registry_(std::make_shared<Registry>()) {}
+NotificationCenter::NotificationCenter()
+    : registry_(std::make_shared<Registry>()) {}
 NotificationCenter::~NotificationCenter() = default;
 
 NotificationCenter::ObservationToken NotificationCenter::observe(const QString& name,

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <functional>
 #include <map>
 #include <memory>
@@ -12,7 +11,8 @@ namespace paneforge {
 // Names of the process-wide notifications.
 namespace notifications {
 inline const QString kHotkeyChanged = QStringLiteral("PaneforgeHotkeyChanged");
-inline const QString kPreferencesHotkeyChanged = QStringLiteral("PaneforgePreferencesHotkeyChanged");
+inline const QString kPreferencesHotkeyChanged =
+    QStringLiteral("PaneforgePreferencesHotkeyChanged");
 inline const QString kLayoutSelectorHotkeyChanged =
     QStringLiteral("PaneforgeLayoutSelectorHotkeyChanged");
 inline const QString kMoveWindowHotkeyChanged = QStringLiteral("PaneforgeMoveWindowHotkeyChanged");

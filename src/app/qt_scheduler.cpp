@@ -4,7 +4,6 @@
 #include <QMetaObject>
 #include <QPointer>
 #include <QTimer>
-
 #include <algorithm>
 #include <cmath>
 
@@ -17,7 +16,8 @@ namespace {
 class TimerWork final : public ScheduledWork {
 public:
     TimerWork(QObject* context, double seconds, bool repeats, Scheduler::Task task)
-        : active_(std::make_shared<bool>(true)), timer_(new QTimer(context)) {
+        : active_(std::make_shared<bool>(true))
+        , timer_(new QTimer(context)) {
         timer_->setSingleShot(!repeats);
         timer_->setTimerType(Qt::PreciseTimer);
         timer_->setInterval(static_cast<int>(std::lround(std::max(0.0, seconds) * 1000.0)));

@@ -10,16 +10,30 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 }
 
-DesktopRect DesktopRect::null() { return DesktopRect(kInfinity, kInfinity, 0.0, 0.0); }
+DesktopRect DesktopRect::null() {
+    return DesktopRect(kInfinity, kInfinity, 0.0, 0.0);
+}
 
-double DesktopRect::minX() const { return width_ < 0 ? x_ + width_ : x_; }
-double DesktopRect::maxX() const { return width_ < 0 ? x_ : x_ + width_; }
-double DesktopRect::minY() const { return height_ < 0 ? y_ + height_ : y_; }
-double DesktopRect::maxY() const { return height_ < 0 ? y_ : y_ + height_; }
+double DesktopRect::minX() const {
+    return width_ < 0 ? x_ + width_ : x_;
+}
+double DesktopRect::maxX() const {
+    return width_ < 0 ? x_ : x_ + width_;
+}
+double DesktopRect::minY() const {
+    return height_ < 0 ? y_ + height_ : y_;
+}
+double DesktopRect::maxY() const {
+    return height_ < 0 ? y_ : y_ + height_;
+}
 
-bool DesktopRect::isNull() const { return std::isinf(x_) || std::isinf(y_); }
+bool DesktopRect::isNull() const {
+    return std::isinf(x_) || std::isinf(y_);
+}
 
-bool DesktopRect::isEmpty() const { return isNull() || width_ == 0.0 || height_ == 0.0; }
+bool DesktopRect::isEmpty() const {
+    return isNull() || width_ == 0.0 || height_ == 0.0;
+}
 
 bool DesktopRect::contains(DesktopPoint point) const {
     if (isEmpty()) {

@@ -27,7 +27,10 @@ class DesktopRect {
 public:
     constexpr DesktopRect() = default;
     constexpr DesktopRect(double x, double y, double width, double height)
-        : x_(x), y_(y), width_(width), height_(height) {}
+        : x_(x)
+        , y_(y)
+        , width_(width)
+        , height_(height) {}
     constexpr DesktopRect(DesktopPoint origin, DesktopSize size)
         : DesktopRect(origin.x, origin.y, size.width, size.height) {}
 

@@ -13,7 +13,9 @@ void Logger::debug(const QString& message) const {
     qCDebug((*qtCategory_)).noquote() << message;
 }
 
-void Logger::info(const QString& message) const { qCInfo((*qtCategory_)).noquote() << message; }
+void Logger::info(const QString& message) const {
+    qCInfo((*qtCategory_)).noquote() << message;
+}
 
 // Qt has no notice level; notices are informational.
 void Logger::notice(const QString& message) const {

@@ -2,7 +2,6 @@
 
 #include <QLoggingCategory>
 #include <QString>
-
 #include <memory>
 
 namespace paneforge {
