@@ -1,10 +1,11 @@
+#include "cli/cli.h"
+
 #include <QCoreApplication>
 #include <QTextStream>
-
 #include <cstdio>
 
-// Composition root. For now the executable only answers --help and --version; the agent and the
-// headless commands are wired in here as they land.
+// Composition root. With arguments the executable runs a headless command; the agent is wired in
+// here as it lands.
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Paneforge"));
@@ -13,15 +14,9 @@ int main(int argc, char** argv) {
     const QStringList args = QCoreApplication::arguments().mid(1);
     QTextStream out(stdout);
     QTextStream err(stderr);
-    if (args == QStringList{QStringLiteral("--version")}) {
-        out << "Paneforge " << PANEFORGE_VERSION << "\n";
-        return 0;
+    if (paneforge::isCliInvocation(args)) {
+        return paneforge::runCli(args, out, err);
     }
-    const QString usage = QStringLiteral("usage: paneforge [--help | --version]\n");
-    if (args == QStringList{QStringLiteral("--help")}) {
-        out << usage;
-        return 0;
-    }
-    err << usage;
-    return 2;
+    err << "paneforge: the snapping agent is not available in this build yet; see --help\n";
+    return 1;
 }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "core/config_store.h"
+
+#include <QStringList>
+#include <QTextStream>
+
+namespace paneforge {
+
+// What the headless commands need from their surroundings, injected so that tests never touch
+// the user's real files.
+struct CliEnvironment {
+    ConfigDirectoryProvider configDirectory = defaultConfigDirectoryProvider();
+};
+
+// Runs one headless command (`args` without the program name). Returns the process exit code: 0
+// on success, 1 when the command failed, 2 for a usage error (usage text on `err`).
+int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
+           const CliEnvironment& environment = {});
+
+// Whether the arguments ask for a headless command rather than the agent.
+bool isCliInvocation(const QStringList& args);
+
+} // namespace paneforge
