@@ -5,7 +5,7 @@ target_compile_options(paneforge_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual>
   $<$<AND:$<BOOL:${PANEFORGE_WERROR}>,$<CXX_COMPILER_ID:GNU,Clang,AppleClang>>:-Werror>)
 target_compile_definitions(paneforge_options INTERFACE
-  QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
+  QT_NO_KEYWORDS
   PANEFORGE_VERSION="${PROJECT_VERSION}")
 
 if(PANEFORGE_SANITIZE)

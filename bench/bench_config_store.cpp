@@ -1,0 +1,28 @@
+#include "bench_harness.h"
+#include "config_fixtures.h"
+
+#include <QTemporaryDir>
+
+// Loading runs on every pointer movement of a snap, so it must stay a plain read and decode.
+int main() {
+    using namespace paneforge;
+    QTemporaryDir home;
+    const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
+                            [&] { return home.path(); });
+    const struct {
+        const char* name;
+        PaneforgeConfig config;
+        int runs;
+    } cases[] = {{"typical (3 displays x 5 layouts)", fixtures::smallConfig(), 2000},
+                 {"large (50 displays x 40 layouts)", fixtures::largeConfig(), 100}};
+    for (const auto& c : cases) {
+        store.saveConfig(c.config);
+        std::printf("%s: %lld bytes\n", c.name,
+                    static_cast<long long>(ConfigStore::encodeConfig(c.config).size()));
+        bench::measure(std::string("loadConfig ") + c.name, c.runs,
+                       [&] { (void)store.loadConfig(); });
+        bench::measure(std::string("saveConfig ") + c.name, c.runs / 10,
+                       [&] { store.saveConfig(c.config); });
+    }
+    return 0;
+}
