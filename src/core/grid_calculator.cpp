@@ -31,7 +31,7 @@ std::vector<double> GridSplitNormalizer::normalizeSplits(const std::vector<doubl
     return result;
 }
 
-std::vector<GridSegment> GridCalculator::segments(const std::vector<double>& splits) const {
+std::vector<GridSegment> GridCalculator::getSegments(const std::vector<double>& splits) const {
     const std::vector<double> normalized = splitNormalizer_.normalizeSplits(splits);
     std::vector<GridSegment> result;
     result.reserve(normalized.size() + 1);
@@ -44,8 +44,8 @@ std::vector<GridSegment> GridCalculator::segments(const std::vector<double>& spl
     return result;
 }
 
-std::vector<GridCell> GridCalculator::cells(const std::vector<GridSegment>& rows,
-                                            const std::vector<GridSegment>& columns) {
+std::vector<GridCell> GridCalculator::buildCells(const std::vector<GridSegment>& rows,
+                                                 const std::vector<GridSegment>& columns) {
     std::vector<GridCell> result;
     result.reserve(rows.size() * columns.size());
     for (size_t r = 0; r < rows.size(); ++r) {
@@ -62,7 +62,7 @@ std::vector<GridCell> GridCalculator::cells(const std::vector<GridSegment>& rows
 }
 
 std::vector<GridCell> GridCalculator::getCells(const GridDefinition& grid) const {
-    return cells(segments(grid.horizontalSplits()), segments(grid.verticalSplits()));
+    return buildCells(getSegments(grid.horizontalSplits()), getSegments(grid.verticalSplits()));
 }
 
 std::optional<NormalizedRect> GridCalculator::unionRect(const std::vector<GridCell>& cells) const {

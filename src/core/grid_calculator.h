@@ -46,11 +46,11 @@ public:
     std::optional<NormalizedRect> unionRect(const std::vector<GridCell>& cells) const;
 
     // The n + 1 segments [lower, upper] that n cleaned splits cut [0, 1] into.
-    std::vector<GridSegment> segments(const std::vector<double>& splits) const;
+    std::vector<GridSegment> getSegments(const std::vector<double>& splits) const;
 
     // Cells of the given row and column segments, row-major.
-    static std::vector<GridCell> cells(const std::vector<GridSegment>& rows,
-                                       const std::vector<GridSegment>& columns);
+    static std::vector<GridCell> buildCells(const std::vector<GridSegment>& rows,
+                                            const std::vector<GridSegment>& columns);
 
 private:
     GridSplitNormalizer splitNormalizer_;
