@@ -1,0 +1,222 @@
+#include "core/display_identifier.h"
+#include "core/display_layout_service.h"
+#include "core/layout_cycle.h"
+
+#include <QTest>
+
+using namespace paneforge;
+
+namespace {
+
+const QString kDisplay = QStringLiteral("v16-p2-s7");
+
+GridDefinition layout(const QString& id, const QString& name) {
+    return GridDefinition(id, name, {0.5}, {});
+}
+
+PaneforgeConfig configWith(const QString& activeId, std::vector<GridDefinition> layouts) {
+    DisplayLayoutsMap displays;
+    displays.insert_or_assign(kDisplay, DisplayLayouts(activeId, std::move(layouts)));
+    return PaneforgeConfig::makeDefault().copying(displays);
+}
+
+DisplayLayoutService service() {
+    return DisplayLayoutService([n = 0]() mutable { return QStringLiteral("NEW-%1").arg(++n); });
+}
+
+DisplayLayoutError errorOf(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const DisplayLayoutException& e) {
+        return e.error();
+    }
+    throw std::logic_error("the operation should have failed");
+}
+
+QString activeId(const PaneforgeConfig& config) {
+    return config.displays().at(kDisplay).activeLayoutId();
+}
+
+} // namespace
+
+class DisplayLayoutsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void stableIds_data() {
+        QTest::addColumn<qint64>("vendor");
+        QTest::addColumn<qint64>("product");
+        QTest::addColumn<int>("serial"); // -1: none
+        QTest::addColumn<QString>("stableId");
+        QTest::newRow("with serial") << qint64(16) << qint64(2) << 7 << "v16-p2-s7";
+        QTest::newRow("without serial") << qint64(16) << qint64(2) << -1 << "v16-p2-sno-serial";
+        QTest::newRow("serial zero is a serial") << qint64(16) << qint64(2) << 0 << "v16-p2-s0";
+        QTest::newRow("negative numbers") << qint64(-5) << qint64(2) << 1 << "v-5-p2-s1";
+    }
+    void stableIds() {
+        QFETCH(qint64, vendor);
+        QFETCH(qint64, product);
+        QFETCH(int, serial);
+        QFETCH(QString, stableId);
+        const DisplayIdentifier id(vendor, product,
+                                   serial < 0 ? std::nullopt : std::optional<std::int64_t>(serial));
+        QCOMPARE(id.stableId(), stableId);
+        QVERIFY(DisplayIdentifier::fromJson(id.toJson()) == id);
+    }
+
+    void getOrCreateNeverStores() {
+        const auto config = PaneforgeConfig::makeDefault();
+        const auto created = service().getOrCreateLayout(config, kDisplay);
+        QCOMPARE(created.id(), QStringLiteral("display-v16-p2-s7"));
+        QCOMPARE(created.name(), QStringLiteral("Default"));
+        QCOMPARE(created.verticalSplits(), std::vector<double>{0.5});
+        QVERIFY(config.displays().empty());
+
+        const auto stale =
+            configWith("gone", {layout("a", "A"), layout("b", "B"), layout("c", "C")});
+        QVERIFY(!service().getActiveLayout(stale, kDisplay));
+        QCOMPARE(service().getOrCreateLayout(stale, kDisplay).id(), QStringLiteral("a"));
+        QCOMPARE(activeId(*service().cycleNext(stale, kDisplay)), QStringLiteral("a"));
+        QCOMPARE(activeId(*service().cyclePrevious(stale, kDisplay)), QStringLiteral("c"));
+        QVERIFY(!service().cycleNext(configWith("a", {layout("a", "A")}), kDisplay));
+        QVERIFY(!service().cycleNext(PaneforgeConfig::makeDefault(), kDisplay));
+    }
+
+    void namesAreTrimmedAndCompareWithoutCase_data() {
+        QTest::addColumn<QString>("existing");
+        QTest::addColumn<QString>("saved");
+        QTest::addColumn<bool>("duplicate");
+        QTest::newRow("ASCII") << "Work"
+                               << "work" << true;
+        QTest::newRow("German umlaut")
+            << QString::fromUtf8("Ärger") << QString::fromUtf8("äRGER") << true;
+        QTest::newRow("Greek with final sigma")
+            << QString::fromUtf8("ΣΊΣΥΦΟΣ") << QString::fromUtf8("σίσυφος") << true;
+        QTest::newRow("Cyrillic") << QString::fromUtf8("Работа") << QString::fromUtf8("  РАБОТА\n")
+                                  << true;
+        QTest::newRow("ideographic and no-break spaces trimmed")
+            << "Code" << QString::fromUtf8("\u3000Code\u00A0\u2028") << true;
+        QTest::newRow("different names") << "Work"
+                                         << "Working" << false;
+        QTest::newRow("stored name is compared untrimmed") << " Work"
+                                                           << "work" << false;
+    }
+    void namesAreTrimmedAndCompareWithoutCase() {
+        QFETCH(QString, existing);
+        QFETCH(QString, saved);
+        QFETCH(bool, duplicate);
+        const auto config = configWith("a", {layout("a", existing)});
+        if (duplicate) {
+            QCOMPARE(errorOf([&] { service().save(config, kDisplay, layout("b", saved)); }),
+                     DisplayLayoutError::DuplicateName);
+            QCOMPARE(errorOf([&] { service().saveAsNew(config, kDisplay, layout("a", saved)); }),
+                     DisplayLayoutError::DuplicateName);
+        } else {
+            const auto updated = service().save(config, kDisplay, layout("b", saved));
+            QCOMPARE(updated.displays().at(kDisplay).layout("b")->name(), saved.trimmed());
+        }
+    }
+
+    void savingRules() {
+        const auto empty = PaneforgeConfig::makeDefault();
+        const auto first = service().save(empty, kDisplay, layout("w", "  Work "));
+        QCOMPARE(first.displays().at(kDisplay).layout("w")->name(), QStringLiteral("Work"));
+        QCOMPARE(activeId(first), QStringLiteral("w"));
+        // Its own id is exempt: renaming to WORK succeeds.
+        const auto renamed = service().save(first, kDisplay, layout("w", "WORK"));
+        QCOMPARE(renamed.displays().at(kDisplay).layouts().size(), size_t(1));
+        QCOMPARE(errorOf([&] { service().save(first, kDisplay, layout("x", " \t\n")); }),
+                 DisplayLayoutError::EmptyName);
+
+        const auto copied = service().saveAsNew(first, kDisplay, layout("w", "Copy"));
+        QCOMPARE(copied.displays().at(kDisplay).layouts().size(), size_t(2));
+        QCOMPARE(activeId(copied), QStringLiteral("NEW-1"));
+        QVERIFY(DisplayLayoutService::isUsableName(QStringLiteral(" a ")));
+        QVERIFY(!DisplayLayoutService::isUsableName(QString::fromUtf8("\u2029 ")));
+
+        const QString uuid = DisplayLayoutService::defaultLayoutIdMaker()();
+        QCOMPARE(uuid.size(), 36);
+        QCOMPARE(uuid, uuid.toUpper());
+    }
+
+    void deleteNeighbourRule_data() {
+        QTest::addColumn<QString>("active");
+        QTest::addColumn<QString>("deleted");
+        QTest::addColumn<QString>("expectedActive");
+        QTest::newRow("active last goes to previous") << "c"
+                                                      << "c"
+                                                      << "b";
+        QTest::newRow("active first goes to next") << "a"
+                                                   << "a"
+                                                   << "b";
+        QTest::newRow("active middle goes to next") << "b"
+                                                    << "b"
+                                                    << "c";
+        QTest::newRow("inactive keeps active") << "a"
+                                               << "c"
+                                               << "a";
+        QTest::newRow("stale active stays") << "gone"
+                                            << "b"
+                                            << "gone";
+    }
+    void deleteNeighbourRule() {
+        QFETCH(QString, active);
+        QFETCH(QString, deleted);
+        QFETCH(QString, expectedActive);
+        const auto config =
+            configWith(active, {layout("a", "A"), layout("b", "B"), layout("c", "C")});
+        const auto updated = service().deleteLayout(config, kDisplay, deleted);
+        QCOMPARE(activeId(updated), expectedActive);
+        QVERIFY(!updated.displays().at(kDisplay).containsLayoutId(deleted));
+        QCOMPARE(config.displays().at(kDisplay).layouts().size(), size_t(3));
+    }
+
+    void ownershipErrors() {
+        const auto one = configWith("a", {layout("a", "A")});
+        QCOMPARE(errorOf([&] { service().deleteLayout(one, kDisplay, "a"); }),
+                 DisplayLayoutError::LastLayout);
+        QCOMPARE(errorOf([&] { service().deleteLayout(one, kDisplay, "zz"); }),
+                 DisplayLayoutError::LayoutNotOwned);
+        QCOMPARE(errorOf([&] { service().setActiveLayout(one, "other", "a"); }),
+                 DisplayLayoutError::LayoutNotOwned);
+        QCOMPARE(errorOf([&] { service().selectLayout(one, kDisplay, "b"); }),
+                 DisplayLayoutError::LayoutNotOwned);
+        const auto [selected, grid] = service().selectLayout(
+            configWith("b", {layout("a", "A"), layout("b", "B")}), kDisplay, "a");
+        QCOMPARE(grid.id(), QStringLiteral("a"));
+        QCOMPARE(activeId(selected), QStringLiteral("a"));
+    }
+
+    void cycleAndSelectorModel() {
+        const QStringList ids{"a", "b", "c"};
+        QCOMPARE(LayoutCycle::wrappedId("c", ids, 1), std::optional<QString>("a"));
+        QCOMPARE(LayoutCycle::wrappedId("a", ids, -1), std::optional<QString>("c"));
+        QCOMPARE(LayoutCycle::wrappedId("x", ids, 1), std::optional<QString>("a"));
+        QCOMPARE(LayoutCycle::wrappedId("x", ids, -1), std::optional<QString>("c"));
+        QCOMPARE(LayoutCycle::wrappedId("a", ids, -7), std::optional<QString>("c"));
+        QVERIFY(!LayoutCycle::nextId("a", {"a"}));
+        QVERIFY(!LayoutCycle::wrappedId("a", {}, 1));
+
+        QCOMPARE(LayoutCycleHUDPolicy::nameToPresent(layout("a", "   ")),
+                 std::optional<QString>("Untitled"));
+        QCOMPARE(LayoutCycleHUDPolicy::nameToPresent(layout("a", " Home ")),
+                 std::optional<QString>(" Home "));
+        QVERIFY(!LayoutCycleHUDPolicy::nameToPresent(std::nullopt));
+
+        const auto fallback =
+            LayoutSelectorAssembler::itemsForDisplay({}, layout("f", "F"), QStringLiteral("f"));
+        QCOMPARE(fallback, (std::vector<LayoutSelectorItem>{{"f", "F", true}}));
+        const auto items = LayoutSelectorAssembler::items({layout("a", "A"), layout("a", "A2")},
+                                                          QStringLiteral("a"));
+        QVERIFY(items[0].isActive && items[1].isActive);
+
+        QCOMPARE(LayoutSelectorFocus::initialIndex({false, true, true}), 1);
+        QCOMPARE(LayoutSelectorFocus::initialIndex({false, false}), 0);
+        QCOMPARE(LayoutSelectorFocus::previousIndex(0, 4), 3);
+        QCOMPARE(LayoutSelectorFocus::nextIndex(3, 4), 0);
+        QCOMPARE(LayoutSelectorFocus::nextIndex(0, 1), 0);
+    }
+};
+
+QTEST_APPLESS_MAIN(DisplayLayoutsTest)
+#include "tst_display_layouts.moc"
