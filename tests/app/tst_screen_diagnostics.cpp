@@ -1,0 +1,53 @@
+#include "app/screen_diagnostics.h"
+
+#include <QTest>
+
+using namespace paneforge;
+
+namespace {
+class FakeScreens final : public ScreenListing {
+public:
+    std::vector<ScreenInfo> list;
+    std::vector<ScreenInfo> screens() const override { return list; }
+};
+} // namespace
+
+class ScreenDiagnosticsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void noScreens() {
+        FakeScreens screens;
+        QStringList lines;
+        ScreenDiagnostics(screens, [&](const QString& l) { lines << l; }).logTopology("appStart");
+        QCOMPARE(lines, QStringList{"ScreenDiagnostics.appStart count=0 primaryMaxY=0.0"});
+    }
+
+    void topologyAndLookup() {
+        FakeScreens screens;
+        screens.list = {
+            {"Built-in", 1u, 2.0, {0, 0, 1440, 900}, {0, 0, 1440, 875}, {0, 0, 1440, 900}},
+            {"Side",
+             std::nullopt,
+             1.0,
+             {1440, 0, 1920, 1080},
+             {1440, 0, 1920, 1080},
+             {1440, -180, 1920, 1080}}};
+        QStringList lines;
+        const ScreenDiagnostics diagnostics(screens, [&](const QString& l) { lines << l; });
+        diagnostics.logTopology("snapStart");
+        QCOMPARE(lines.size(), 3);
+        QCOMPARE(lines[0], QStringLiteral("ScreenDiagnostics.snapStart count=2 primaryMaxY=900.0"));
+        QVERIFY(lines[1].startsWith(
+            "[0] Built-in id=1 primary scale=2.0 cocoa=(0.0,0.0 1440.0x900.0)"));
+        QVERIFY(lines[2].startsWith("[1] Side id=0 secondary scale=1.0"));
+
+        QCOMPARE(diagnostics.screen({1440, 10})->name, QStringLiteral("Side"));
+        QCOMPARE(diagnostics.screen({1439.5, 899.5})->name, QStringLiteral("Built-in"));
+        QVERIFY(!diagnostics.screen({1000, 950})); // the gap above the smaller screen
+        QVERIFY(!ScreenDiagnostics::displayId(*diagnostics.screen({2000, 500})));
+    }
+};
+
+QTEST_APPLESS_MAIN(ScreenDiagnosticsTest)
+#include "tst_screen_diagnostics.moc"

@@ -1,0 +1,197 @@
+#include "core/file_logger.h"
+#include "core/snap_diagnostic_formatter.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <thread>
+
+using namespace paneforge;
+
+namespace {
+
+QByteArray readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeAll(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+// Numbered lines of 50 bytes each, cut to `size` bytes.
+QByteArray filler(qint64 size) {
+    QByteArray bytes;
+    bytes.reserve(size + 64);
+    for (int i = 0; bytes.size() < size; ++i) {
+        bytes += QByteArray::number(i).rightJustified(49, '.') + '\n';
+    }
+    bytes.truncate(size);
+    return bytes;
+}
+
+const QRegularExpression
+    kLine(QStringLiteral(R"(^\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\] (.*)$)"));
+
+} // namespace
+
+class FileLoggerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstLineCreatesTheFile() {
+        QTemporaryDir dir;
+        FileLogger logger([&] { return dir.filePath(QStringLiteral("state/Paneforge")); });
+        logger.log(QStringLiteral("ApplicationController.start"));
+        logger.flush();
+        QCOMPARE(logger.filePath(), dir.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
+        const QByteArray contents = readAll(logger.filePath());
+        QVERIFY(contents.endsWith("] ApplicationController.start\n"));
+        QCOMPARE(contents.count('\n'), 1);
+        QVERIFY(kLine.match(QString::fromUtf8(contents.chopped(1))).hasMatch());
+    }
+
+    void lineFormat() {
+        const QDateTime time(QDate(2025, 3, 14), QTime(9, 26, 53, 589));
+        QCOMPARE(
+            FileLogger::buildLine(QString::fromUtf8("HotkeyManager.register id=1 ⌘"), time),
+            QByteArray("[2025-03-14 09:26:53.589] HotkeyManager.register id=1 \xe2\x8c\x98\n"));
+    }
+
+    void truncationBoundaries_data() {
+        QTest::addColumn<qint64>("sizeAfterLine");
+        QTest::addColumn<bool>("cut");
+        QTest::newRow("exactly the limit") << qint64(1000000) << false;
+        QTest::newRow("one byte over") << qint64(1000001) << true;
+        QTest::newRow("far over") << qint64(1500000) << true;
+    }
+    void truncationBoundaries() {
+        QFETCH(qint64, sizeAfterLine);
+        QFETCH(bool, cut);
+        QTemporaryDir dir;
+        FileLogger logger([&] { return dir.path(); });
+        const QByteArray message = "m";
+        const qint64 lineSize =
+            FileLogger::buildLine(QString::fromLatin1(message), QDateTime::currentDateTime())
+                .size();
+        const QByteArray before = filler(sizeAfterLine - lineSize);
+        writeAll(logger.filePath(), before);
+        logger.log(QString::fromLatin1(message));
+        logger.flush();
+        const QByteArray after = readAll(logger.filePath());
+        const QByteArray line = after.right(lineSize);
+        QVERIFY(line.endsWith("] m\n"));
+        if (!cut) {
+            QCOMPARE(after.size(), sizeAfterLine);
+            QCOMPARE(after.left(before.size()), before);
+        } else {
+            // The last 900000 bytes, less everything up to the first line feed.
+            const QByteArray expected = FileLogger::trimToLineBoundary(before.right(
+                                            FileLogger::targetFileSizeBytes - lineSize)) +
+                                        line;
+            QCOMPARE(after.size(), expected.size());
+            QVERIFY(after == expected);
+            QVERIFY(after.size() <= FileLogger::targetFileSizeBytes);
+        }
+    }
+
+    void trimKeepsABlockWithoutLineFeed() {
+        QCOMPARE(FileLogger::trimToLineBoundary(QByteArray(10, 'x')), QByteArray(10, 'x'));
+        QCOMPARE(FileLogger::trimToLineBoundary("abc\ndef\n"), QByteArray("def\n"));
+        QCOMPARE(FileLogger::trimToLineBoundary("\nwhole\n"), QByteArray("whole\n"));
+    }
+
+    void deletedFileIsRecreated() {
+        QTemporaryDir dir;
+        FileLogger logger([&] { return dir.path(); });
+        logger.log(QStringLiteral("one"));
+        logger.flush();
+        QVERIFY(QFile::remove(logger.filePath()));
+        logger.log(QStringLiteral("two"));
+        logger.flush();
+        const QByteArray contents = readAll(logger.filePath());
+        QVERIFY(contents.endsWith("] two\n"));
+        QCOMPARE(contents.count('\n'), 1);
+    }
+
+    void burstsFromManyThreads() {
+        QTemporaryDir dir;
+        constexpr int kThreads = 8;
+        constexpr int kLines = 400;
+        {
+            FileLogger logger([&] { return dir.path(); });
+            std::vector<std::thread> threads;
+            for (int t = 0; t < kThreads; ++t) {
+                threads.emplace_back([&logger, t] {
+                    for (int i = 0; i < kLines; ++i) {
+                        logger.log(QStringLiteral("t%1 i%2 %3")
+                                       .arg(t)
+                                       .arg(i)
+                                       .arg(QString(40, QLatin1Char('z'))));
+                    }
+                });
+            }
+            for (auto& thread : threads) {
+                thread.join();
+            }
+        } // the destructor writes whatever is still queued
+        const auto lines = QString::fromUtf8(readAll(dir.filePath(QStringLiteral("Paneforge.log"))))
+                               .split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), kThreads * kLines);
+        std::vector<int> next(kThreads, 0);
+        std::vector<QString> lastStamp(kThreads);
+        const QRegularExpression body(QStringLiteral(R"(^t(\d+) i(\d+) z{40}$)"));
+        for (const QString& line : lines) {
+            const auto match = kLine.match(line);
+            QVERIFY2(match.hasMatch(), qPrintable(line));
+            const auto parts = body.match(match.captured(1));
+            QVERIFY2(parts.hasMatch(), qPrintable(line));
+            const int t = parts.captured(1).toInt();
+            QCOMPARE(parts.captured(2).toInt(), next[t]++);
+            const QString stamp = line.mid(1, 23);
+            QVERIFY(stamp >= lastStamp[t]); // each thread's calls happen in order
+            lastStamp[t] = stamp;
+        }
+    }
+
+    void formatterForms_data() {
+        QTest::addColumn<QString>("actual");
+        QTest::addColumn<QString>("expected");
+        using F = QString (*)(const DesktopRect&);
+        F rect = SnapDiagnosticFormatter::formatRect;
+        QTest::newRow("rect") << rect({0, -25.04, 1440, 900}) << "(0.0,-25.0 1440.0x900.0)";
+        QTest::newRow("point") << SnapDiagnosticFormatter::formatPoint({12.25, 800.96})
+                               << "(12.2,801.0)";
+        QTest::newRow("scale 2") << SnapDiagnosticFormatter::formatDouble(2.0) << "2.0";
+        QTest::newRow("primaryMaxY") << SnapDiagnosticFormatter::formatDouble(1117.0) << "1117.0";
+        QTest::newRow("zero") << SnapDiagnosticFormatter::formatDouble(0.0) << "0.0";
+        QTest::newRow("fraction") << SnapDiagnosticFormatter::formatDouble(0.1) << "0.1";
+        QTest::newRow("screen")
+            << SnapDiagnosticFormatter::formatScreen(1, "DELL U2720Q", 4, false, 1.5,
+                                                     {1440, 0, 2560, 1440}, {1440, 0, 2560, 1415},
+                                                     {1440, -540, 2560, 1440})
+            << "[1] DELL U2720Q id=4 secondary scale=1.5 cocoa=(1440.0,0.0 2560.0x1440.0) "
+               "visible=(1440.0,0.0 2560.0x1415.0) quartz=(1440.0,-540.0 2560.0x1440.0)";
+        QTest::newRow("snap attempt without display")
+            << SnapDiagnosticFormatter::formatSnapAttempt({5, 6}, true, false, std::nullopt,
+                                                          "default", 2, 0, "nil")
+            << "point=(5.0,6.0) inFrame=true inVisible=false displayId=nil layout=default cells=2 "
+               "selected=0 requested=nil";
+        QTest::newRow("snap attempt")
+            << SnapDiagnosticFormatter::formatSnapAttempt({5, 6}, true, true, 69733382u, "A", 4, 1,
+                                                          "(8.0,33.0 984.0x784.0)")
+            << "point=(5.0,6.0) inFrame=true inVisible=true displayId=69733382 layout=A cells=4 "
+               "selected=1 requested=(8.0,33.0 984.0x784.0)";
+    }
+    void formatterForms() {
+        QFETCH(QString, actual);
+        QFETCH(QString, expected);
+        QCOMPARE(actual, expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(FileLoggerTest)
+#include "tst_file_logger.moc"
