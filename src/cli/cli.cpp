@@ -1,7 +1,9 @@
 #include "cli/cli.h"
 
 #include "core/logger_factory.h"
+#include "core/settings_backup_preview.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
@@ -14,12 +16,16 @@ const QString kUsage = QStringLiteral(
     "       paneforge config path\n"
     "       paneforge config check [FILE]\n"
     "       paneforge config print [FILE]\n"
+    "       paneforge backup export FILE [--force]\n"
+    "       paneforge backup check FILE\n"
     "\n"
     "Without arguments paneforge starts the snapping agent.\n"
     "\n"
     "config path     print where the configuration file is kept\n"
     "config check    check a configuration file (default: yours) and explain what is wrong\n"
-    "config print    print a configuration as Paneforge would save it\n");
+    "config print    print a configuration as Paneforge would save it\n"
+    "backup export   write a backup of your configuration to FILE (--force overwrites)\n"
+    "backup check    check a backup file and describe what it holds\n");
 
 int usageError(QTextStream& err, const QString& problem) {
     err << "paneforge: " << problem << "\n" << kUsage;
@@ -100,6 +106,88 @@ int runConfig(const QStringList& args, QTextStream& out, QTextStream& err,
     return usageError(err, QStringLiteral("unknown config command “%1”").arg(command));
 }
 
+int runBackup(const QStringList& args, QTextStream& out, QTextStream& err,
+              const CliEnvironment& environment) {
+    if (args.isEmpty()) {
+        return usageError(err, QStringLiteral("backup needs a command"));
+    }
+    const QString command = args.front();
+    QStringList files;
+    bool force = false;
+    for (const QString& arg : args.mid(1)) {
+        if (arg == QLatin1String("--force") && command == QLatin1String("export")) {
+            force = true;
+        } else if (arg.startsWith(QLatin1Char('-'))) {
+            return usageError(err, QStringLiteral("unknown option “%1”").arg(arg));
+        } else {
+            files.append(arg);
+        }
+    }
+    if (command != QLatin1String("export") && command != QLatin1String("check")) {
+        return usageError(err, QStringLiteral("unknown backup command “%1”").arg(command));
+    }
+    if (files.size() != 1) {
+        return usageError(err, QStringLiteral("backup %1 takes one FILE").arg(command));
+    }
+    const QString path = files.front();
+
+    if (command == QLatin1String("export")) {
+        if (QFileInfo::exists(path) && !force) {
+            err << "paneforge: " << path << " already exists; use --force to overwrite it\n";
+            return 1;
+        }
+        const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
+                                environment.configDirectory);
+        try {
+            const QByteArray bytes =
+                SettingsBackupEncoder::encode(store.loadConfig(), QDateTime::currentDateTimeUtc(),
+                                              QStringLiteral(PANEFORGE_VERSION));
+            const QString failure = writeFileAtomically(path, bytes);
+            if (!failure.isEmpty()) {
+                err << "paneforge: " << path << ": " << failure << "\n";
+                return 1;
+            }
+        } catch (const ConfigStoreError& error) {
+            err << "paneforge: your configuration could not be read: " << error.message() << "\n";
+            return 1;
+        }
+        out << "Backup written to " << path << "\n";
+        return 0;
+    }
+
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!info.exists()) {
+        err << "paneforge: " << path << ": no such file\n";
+        return 1;
+    }
+    if (info.isDir() || !file.open(QIODevice::ReadOnly)) {
+        err << "paneforge: " << path << ": "
+            << (info.isDir() ? QStringLiteral("is a folder, not a file") : file.errorString())
+            << "\n";
+        return 1;
+    }
+    // Refuse oversized files before reading them: a backup is untrusted input.
+    if (info.size() > SettingsBackupFormat::maxFileSizeBytes) {
+        err << "paneforge: " << path << ": the file is too large to be a Paneforge backup\n";
+        return 1;
+    }
+    try {
+        const auto document = SettingsBackupRestore::document(file.readAll());
+        const auto preview = SettingsBackupPreviewBuilder::preview(document);
+        out << SettingsBackupPreviewBuilder::informativeText(
+                   preview, SettingsBackupPreviewBuilder::defaultDateFormatter())
+            << "\n";
+        return 0;
+    } catch (const SettingsBackupDecodingError& error) {
+        err << "paneforge: " << path << ": " << error.message() << "\n";
+    } catch (const SettingsBackupRestoreException& error) {
+        err << "paneforge: " << path << ": "
+            << SettingsBackupRestoreException::description(error.error()) << "\n";
+    }
+    return 1;
+}
+
 } // namespace
 
 bool isCliInvocation(const QStringList& args) {
@@ -123,6 +211,9 @@ int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
     }
     if (first == QLatin1String("config")) {
         return runConfig(args.mid(1), out, err, environment);
+    }
+    if (first == QLatin1String("backup")) {
+        return runBackup(args.mid(1), out, err, environment);
     }
     return usageError(err, QStringLiteral("unknown command “%1”").arg(first));
 }

@@ -1,0 +1,176 @@
+#include "config_fixtures.h"
+#include "core/settings_backup_preview.h"
+
+#include <QTest>
+
+using namespace paneforge;
+
+namespace {
+
+const QDateTime kExported(QDate(2025, 3, 14), QTime(9, 26, 53, 750), QTimeZone::utc());
+
+QByteArray backupWith(const QByteArray& format, const QByteArray& version, const QByteArray& date) {
+    QByteArray text =
+        SettingsBackupEncoder::encode(PaneforgeConfig::makeDefault(), kExported, "1.2.3");
+    text.replace("\"paneforge-backup\"", format);
+    text.replace("\"formatVersion\" : 1", "\"formatVersion\" : " + version);
+    text.replace("\"2025-03-14T09:26:53Z\"", date);
+    return text;
+}
+
+enum class Outcome { Ok, Decoding, InvalidFormat, UnsupportedVersion };
+
+Outcome outcomeOf(const QByteArray& data) {
+    try {
+        SettingsBackupRestore::document(data);
+        return Outcome::Ok;
+    } catch (const SettingsBackupDecodingError&) {
+        return Outcome::Decoding;
+    } catch (const SettingsBackupRestoreException& e) {
+        return e.error() == SettingsBackupRestoreError::InvalidFormat ? Outcome::InvalidFormat
+                                                                      : Outcome::UnsupportedVersion;
+    }
+}
+
+GridDefinition named(const QString& id, const QString& name) {
+    return GridDefinition(id, name, {0.5}, {});
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Outcome)
+
+class SettingsBackupTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void roundTripLosesOnlyTheFraction() {
+        const auto config = fixtures::smallConfig();
+        const QByteArray bytes = SettingsBackupEncoder::encode(config, kExported, "1.2.3");
+        const auto document = SettingsBackupRestore::document(bytes);
+        QVERIFY(document.config == config);
+        QCOMPARE(document.appVersion, QStringLiteral("1.2.3"));
+        QCOMPARE(document.exportedAt,
+                 QDateTime(QDate(2025, 3, 14), QTime(9, 26, 53), QTimeZone::utc()));
+        QVERIFY(bytes.startsWith("{\n  \"appVersion\" : \"1.2.3\",\n  \"config\" : {"));
+        QVERIFY(bytes.contains("\"exportedAt\" : \"2025-03-14T09:26:53Z\",\n  \"format\" : "
+                               "\"paneforge-backup\",\n  \"formatVersion\" : 1\n}"));
+        QCOMPARE(SettingsBackupEncoder::encode(document), bytes);
+    }
+
+    void threeOutcomesStayApart_data() {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("valid") << backupWith("\"paneforge-backup\"", "1",
+                                             "\"2025-03-14T09:26:53Z\"")
+                               << Outcome::Ok;
+        QTest::newRow("offset date")
+            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T10:26:53+01:00\"")
+            << Outcome::Ok;
+        QTest::newRow("capitalised format")
+            << backupWith("\"Paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::InvalidFormat;
+        QTest::newRow("version 2")
+            << backupWith("\"paneforge-backup\"", "2", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::UnsupportedVersion;
+        QTest::newRow("version 0")
+            << backupWith("\"paneforge-backup\"", "0", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::UnsupportedVersion;
+        QTest::newRow("fractional seconds")
+            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53.5Z\"")
+            << Outcome::Decoding;
+        QTest::newRow("impossible date")
+            << backupWith("\"paneforge-backup\"", "1", "\"2025-02-30T09:26:53Z\"")
+            << Outcome::Decoding;
+        QTest::newRow("version as text")
+            << backupWith("\"paneforge-backup\"", "\"1\"", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::Decoding;
+        QTest::newRow("a configuration file, not a backup")
+            << ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()) << Outcome::Decoding;
+        QTest::newRow("truncated")
+            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"").left(200)
+            << Outcome::Decoding;
+        QTest::newRow("not JSON") << QByteArray("\x89PNG\r\n\x1a\n") << Outcome::Decoding;
+        QTest::newRow("too large")
+            << QByteArray(SettingsBackupFormat::maxFileSizeBytes + 1, ' ') << Outcome::Decoding;
+        QTest::newRow("hostile nesting") << QByteArray(200000, '{') << Outcome::Decoding;
+    }
+    void threeOutcomesStayApart() {
+        QFETCH(QByteArray, data);
+        QFETCH(Outcome, outcome);
+        QCOMPARE(outcomeOf(data), outcome);
+    }
+
+    void decodingErrorNamesTheMissingKey() {
+        try {
+            SettingsBackupRestore::document(
+                ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()));
+            QFAIL("a configuration file is not a backup");
+        } catch (const SettingsBackupDecodingError& error) {
+            QVERIFY2(error.message().contains("\"format\""), qPrintable(error.message()));
+        }
+        QCOMPARE(
+            SettingsBackupRestoreException::description(SettingsBackupRestoreError::InvalidFormat),
+            QStringLiteral("This file is not a Paneforge backup."));
+        QCOMPARE(SettingsBackupRestoreException::description(
+                     SettingsBackupRestoreError::UnsupportedVersion),
+                 QStringLiteral("This backup format is not supported."));
+    }
+
+    void suggestedFileNameUsesTheLocalDate() {
+        const QDateTime lateUtc(QDate(2025, 3, 14), QTime(23, 30), QTimeZone::utc());
+        QCOMPARE(SettingsBackupFilename::suggested(lateUtc, QTimeZone::utc()),
+                 QStringLiteral("Paneforge-backup-2025-03-14.json"));
+        QCOMPARE(SettingsBackupFilename::suggested(lateUtc, QTimeZone("Europe/Berlin")),
+                 QStringLiteral("Paneforge-backup-2025-03-15.json"));
+    }
+
+    void previewTexts() {
+        const auto fixed = [](const QDateTime&) { return QStringLiteral("14 Mar 2025, 10:26"); };
+        const auto empty =
+            SettingsBackupPreviewBuilder::preview(SettingsBackupEncoder::makeDocument(
+                PaneforgeConfig::makeDefault(), kExported, "1.2.3"));
+        const auto sections = SettingsBackupPreviewBuilder::sections(empty);
+        QCOMPARE(sections.size(), size_t(1));
+        QCOMPARE(sections[0].title, QStringLiteral("Default"));
+        QCOMPARE(
+            SettingsBackupPreviewBuilder::informativeText(empty, fixed),
+            QStringLiteral(
+                "This replaces your current layouts and preferences with the selected backup.\n"
+                "Version: 1.2.3\nExported: 14 Mar 2025, 10:26\nDefault: Default"));
+
+        DisplayLayoutsMap displays;
+        displays.insert_or_assign("v2-p1-s1",
+                                  DisplayLayouts("b", {named("b", "Code"), named("c", "Web")}));
+        displays.insert_or_assign("v1-p1-s1", DisplayLayouts("a", {named("a", "   ")}));
+        const auto two = SettingsBackupPreviewBuilder::preview(SettingsBackupEncoder::makeDocument(
+            PaneforgeConfig::makeDefault().copying(displays), kExported, "1.2.3"));
+        QCOMPARE(SettingsBackupPreviewBuilder::sections(two)[1].title, QStringLiteral("Display 2"));
+        QVERIFY(SettingsBackupPreviewBuilder::informativeText(two, fixed)
+                    .endsWith("\nDisplay 1: Untitled\nDisplay 2: Code, Web"));
+        QCOMPARE(SettingsBackupPreviewBuilder::headerText(two, fixed).count('\n'), 2);
+    }
+
+    void boardGeometry() {
+        namespace B = RestorePreviewBoardLayout;
+        QCOMPARE(B::sectionHeight(7), 228.0);
+        QCOMPARE(B::sectionHeight(0), 120.0);
+        QCOMPARE(B::rowCount(0), 0);
+        QCOMPARE(B::rowCount(11), 3);
+        QCOMPARE(B::cardsPerRow(0), 1);
+        QCOMPARE(B::cardsPerRow(12), 5);
+        QCOMPARE(B::boardWidth({12, 2}), 692.0);
+        QCOMPARE(B::panelSize({12, 2}).width, 724.0);
+        QCOMPARE(B::boardWidth({}), 132.0);
+        QCOMPARE(B::panelSize({1}).width, 452.0);
+        QCOMPARE(B::boardHeight({12, 2}), 336.0 + 12.0 + 120.0);
+        QCOMPARE(B::panelSize({12, 2}).height, 360.0 + 152.0);
+        QCOMPARE(B::panelSize({2}).height, 120.0 + 152.0);
+        QCOMPARE(B::sectionMinY(0, {12, 2}), 0.0);
+        QCOMPARE(B::sectionMinY(1, {12, 2}), 348.0);
+        QCOMPARE(B::cardFrame(7), (B::Rect{280, 128, 132, 100}));
+    }
+};
+
+QTEST_APPLESS_MAIN(SettingsBackupTest)
+#include "tst_settings_backup.moc"
