@@ -1,0 +1,220 @@
+#include "core/hotkey_formatter.h"
+#include "core/launch_at_login_sync.h"
+#include "core/privacy_permission_policy.h"
+#include "core/quick_start_guide.h"
+#include "core/status_menu_order.h"
+#include "core/update_policy.h"
+
+#include <QTest>
+#include <map>
+
+using namespace paneforge;
+
+namespace {
+
+// A US-like layout for the letters it knows; the key codes are macOS virtual key codes.
+class FakeLayoutProvider final : public KeyboardLayoutProvider {
+public:
+    bool available = true;
+    std::shared_ptr<const KeyboardLayout> currentLayout() const override {
+        return available ? std::make_shared<KeyboardLayout>() : nullptr;
+    }
+};
+
+class FakeTranslator final : public KeyboardKeyTranslator {
+public:
+    std::map<std::uint32_t, QString> keys{
+        {14, "e"}, {0, "a"}, {50, "`"}, {27, QString::fromUtf8("ß")}};
+    std::optional<QString> translate(std::uint32_t keyCode, const KeyboardLayout&) const override {
+        const auto it = keys.find(keyCode);
+        return it == keys.end() ? std::nullopt : std::optional(it->second);
+    }
+};
+
+class RecordingRunner final : public CommandRunner {
+public:
+    int status = 0;
+    QStringList calls;
+    int run(const QString& executable, const QStringList& arguments) override {
+        calls << executable + ' ' + arguments.join(' ');
+        return status;
+    }
+};
+
+QStringList titlesOf(const std::vector<StatusMenuRow>& rows) {
+    QStringList titles;
+    for (const auto& row : rows) {
+        titles << (row.isSeparator() ? QStringLiteral("---") : row.title);
+    }
+    return titles;
+}
+
+} // namespace
+
+class ShellRulesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void modifierMapping_data() {
+        QTest::addColumn<uint>("flags");
+        QTest::addColumn<uint>("mask");
+        QTest::newRow("command") << 0x00100000u << 256u;
+        QTest::newRow("command shift") << 0x00120000u << 768u;
+        QTest::newRow("option control") << 0x000C0000u << 6144u;
+        QTest::newRow("caps lock, fn and device bits ignored")
+            << (0x00010000u | 0x00800000u | 0x108u) << 0u;
+        QTest::newRow("all four") << 0x001E0000u << (256u | 512u | 2048u | 4096u);
+    }
+    void modifierMapping() {
+        QFETCH(uint, flags);
+        QFETCH(uint, mask);
+        QCOMPARE(uint(ModifierMapper::toCarbonModifiers(flags)), mask);
+        QCOMPARE(uint(ModifierMapper::toCarbonModifiers(ModifierMapper::toEventFlags(mask))), mask);
+    }
+
+    void hotkeyTexts_data() {
+        QTest::addColumn<bool>("hasHotkey");
+        QTest::addColumn<uint>("keyCode");
+        QTest::addColumn<uint>("modifiers");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("not set") << false << 0u << 0u << "Not set";
+        QTest::newRow("command shift E") << true << 14u << 768u << QString::fromUtf8("⌘ + ⇧ + E");
+        QTest::newRow("fixed order") << true << 0u << (4096u | 512u | 2048u | 256u)
+                                     << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
+        QTest::newRow("space alone") << true << 49u << 0u << "Space";
+        QTest::newRow("return") << true << 36u << 256u << QString::fromUtf8("⌘ + ↩");
+        QTest::newRow("arrows") << true << 126u << 0u << QString::fromUtf8("↑");
+        QTest::newRow("escape") << true << 53u << 0u << QString::fromUtf8("⎋");
+        QTest::newRow("no character: key number") << true << 122u << 0u << "Key 122";
+        QTest::newRow("upper-cased by the layout") << true << 27u << 0u << QString::fromUtf8("SS");
+        QTest::newRow("beyond 16 bits") << true << 70000u << 0u << "Key 70000";
+    }
+    void hotkeyTexts() {
+        QFETCH(bool, hasHotkey);
+        QFETCH(uint, keyCode);
+        QFETCH(uint, modifiers);
+        QFETCH(QString, text);
+        FakeLayoutProvider layouts;
+        FakeTranslator translator;
+        const KeyNameProvider names(layouts, translator);
+        const HotkeyFormatter formatter(names);
+        const auto hotkey =
+            hasHotkey ? std::optional(HotkeyDefinition{keyCode, modifiers}) : std::nullopt;
+        QCOMPARE(formatter.format(hotkey), text);
+    }
+
+    void keyNamesWithoutALayout() {
+        FakeLayoutProvider layouts;
+        layouts.available = false;
+        FakeTranslator translator;
+        QCOMPARE(KeyNameProvider(layouts, translator).getName(14), QStringLiteral("Key 14"));
+        QCOMPARE(HotkeyFormatter::modifierSymbols(768), QString::fromUtf8("⌘⇧"));
+    }
+
+    void statusMenu() {
+        QCOMPARE(
+            titlesOf(paneforgeStatusMenuRows()),
+            QString::fromUtf8(
+                "Switch Layout…|Next Layout|Previous Layout|Move to Next Display|Zone Editor…|---|"
+                "Preferences…|Backup Settings…|Restore Settings…|---|Quick Start…|Reveal Log File|"
+                "Check for Updates…|About Paneforge|---|Quit Paneforge")
+                .split('|'));
+        QCOMPARE(titlesOf(statusMenuRows({"A"}, {}, {"H"}, "U", "About", "Q")),
+                 (QStringList{"A", "---", "H", "U", "About", "---", "Q"}));
+        QCOMPARE(titlesOf(statusMenuRows({}, {}, {}, "U", "About", "Q")),
+                 (QStringList{"U", "About", "---", "Q"}));
+        for (const auto& title : paneforgeActionTitles() + paneforgeSettingTitles()) {
+            QVERIFY2(!title.contains("..."), qPrintable(title));
+        }
+    }
+
+    void privacySteps_data() {
+        QTest::addColumn<bool>("trusted");
+        QTest::addColumn<bool>("granted");
+        QTest::addColumn<int>("step");
+        QTest::addColumn<QString>("anchor");
+        QTest::newRow("nothing") << false << false << int(PrivacyCoachStep::Accessibility)
+                                 << "Privacy_Accessibility";
+        QTest::newRow("only input monitoring")
+            << false << true << int(PrivacyCoachStep::Accessibility) << "Privacy_Accessibility";
+        QTest::newRow("only accessibility")
+            << true << false << int(PrivacyCoachStep::ListenEvent) << "Privacy_ListenEvent";
+        QTest::newRow("both") << true << true << int(PrivacyCoachStep::Ready)
+                              << "Privacy_Accessibility";
+    }
+    void privacySteps() {
+        QFETCH(bool, trusted);
+        QFETCH(bool, granted);
+        QFETCH(int, step);
+        QFETCH(QString, anchor);
+        namespace P = PrivacyPermissionPolicy;
+        const auto current = P::currentStep(trusted, granted);
+        QCOMPARE(int(current), step);
+        QVERIFY(P::settingsURLString(current).endsWith(anchor));
+        QCOMPARE(P::settingsURLString(!trusted, !granted), P::settingsURLString(current));
+        QCOMPARE(P::shouldPresentCoach(trusted, granted), current != PrivacyCoachStep::Ready);
+        QCOMPARE(P::shouldDismissCoach(trusted, granted), current == PrivacyCoachStep::Ready);
+        QCOMPARE(P::coachTitle(current).isEmpty(), current == PrivacyCoachStep::Ready);
+    }
+
+    void coachTextsAndReset() {
+        namespace P = PrivacyPermissionPolicy;
+        QCOMPARE(P::coachButtonTitle(PrivacyCoachStep::ListenEvent),
+                 QStringLiteral("Open Input Monitoring"));
+        QVERIFY(P::coachMessage(PrivacyCoachStep::ListenEvent)
+                    .endsWith("Click + and choose Paneforge.app."));
+        QVERIFY(P::coachMessage(PrivacyCoachStep::Ready).isEmpty());
+
+        RecordingRunner runner;
+        TccResetService reset(runner, "app.test");
+        QVERIFY(!reset.resetStaleGrantIfNeeded(PrivacyTccService::Accessibility, true));
+        QVERIFY(runner.calls.isEmpty());
+        QVERIFY(reset.resetStaleGrantIfNeeded(PrivacyTccService::ListenEvent, false));
+        QCOMPARE(runner.calls, QStringList{"/usr/bin/tccutil reset ListenEvent app.test"});
+        runner.status = 1;
+        QVERIFY(!reset.runReset(PrivacyTccService::Accessibility));
+    }
+
+    void quickStart() {
+        QCOMPARE(QuickStartGuide::pages().size(), size_t(3));
+        QCOMPARE(QuickStartGuide::nextIndex(2), std::nullopt);
+        QCOMPARE(QuickStartGuide::nextIndex(1), std::optional(2));
+        QCOMPARE(QuickStartGuide::previousIndex(0), std::nullopt);
+        QVERIFY(QuickStartGuide::isLast(2));
+        QVERIFY(!QuickStartGuide::isLast(5));
+        QVERIFY(!QuickStartGuide::isLast(1));
+        QCOMPARE(QuickStartGuide::page(1)->primaryActionTitle,
+                 std::optional<QString>("Open Zone Editor"));
+        QVERIFY(!QuickStartGuide::page(0)->primaryActionTitle &&
+                !QuickStartGuide::page(2)->primaryActionTitle);
+        QVERIFY(QuickStartGuide::page(2)->body.startsWith(QString::fromUtf8("Hold ⌘ and drag")));
+        QCOMPARE(rawValue(QuickStartPageId::CreateLayout), QStringLiteral("createLayout"));
+        QVERIFY(QuickStartPolicy::shouldAutoPresent(false));
+        QVERIFY(!QuickStartPolicy::shouldAutoPresent(true));
+        QVERIFY(!QuickStartPolicy::shouldAutoPresent(std::nullopt));
+    }
+
+    void updaterAndLoginItem_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("starts");
+        QTest::newRow("bundle") << "/Applications/Paneforge.app" << true;
+        QTest::newRow("any case") << "/Applications/Paneforge.App" << true;
+        QTest::newRow("trailing slash") << "/Applications/Paneforge.app/" << true;
+        QTest::newRow("bare executable") << "/usr/bin/paneforge" << false;
+        QTest::newRow("other extension") << "/tmp/Paneforge.application" << false;
+        QTest::newRow("hidden file named app") << "/tmp/.app" << false;
+    }
+    void updaterAndLoginItem() {
+        QFETCH(QString, path);
+        QFETCH(bool, starts);
+        QCOMPARE(UpdaterLaunchPolicy::shouldStartUpdater(path), starts);
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, false),
+                 (LaunchAtLoginSyncResult{true, false}));
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, true),
+                 (LaunchAtLoginSyncResult{false, true}));
+        QCOMPARE(UpdateMenuCopy::checkForUpdates, QString::fromUtf8("Check for Updates…"));
+    }
+};
+
+QTEST_APPLESS_MAIN(ShellRulesTest)
+#include "tst_shell_rules.moc"
