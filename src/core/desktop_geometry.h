@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 
 namespace paneforge {
@@ -77,3 +78,5 @@ private:
 };
 
 } // namespace paneforge
+
+Q_DECLARE_METATYPE(paneforge::DesktopRect)

@@ -6,7 +6,6 @@
 using namespace paneforge;
 
 using Items = std::vector<DisplaySortItem>;
-Q_DECLARE_METATYPE(DesktopRect)
 
 class WindowPoliciesTest : public QObject {
     Q_OBJECT

@@ -1,0 +1,277 @@
+#include "platform/x11/x11_display_services.h"
+
+#include "core/snap_diagnostic_formatter.h"
+#include "platform/x11/edid.h"
+#include "platform/x11/x11_desktop_space.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <cstdlib>
+#include <xcb/randr.h>
+
+namespace paneforge {
+
+namespace {
+
+std::uint32_t fnv1a(const QByteArray& bytes) {
+    std::uint32_t hash = 2166136261u;
+    for (const char c : bytes) {
+        hash ^= static_cast<unsigned char>(c);
+        hash *= 16777619u;
+    }
+    return hash;
+}
+
+template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T* raw) {
+    return std::unique_ptr<T, decltype(&std::free)>(raw, &std::free);
+}
+
+} // namespace
+
+DisplayId X11DisplayServices::displayIdForName(const QString& name) {
+    const std::uint32_t id = fnv1a(name.toUtf8());
+    return id == 0 ? 1 : id;
+}
+
+std::vector<X11DisplayServices::Screen> X11DisplayServices::currentScreens() const {
+    std::vector<Screen> result;
+    QList<QScreen*> screens = QGuiApplication::screens();
+    // The primary display first, as on macOS.
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    std::stable_partition(screens.begin(), screens.end(), [&](QScreen* s) { return s == primary; });
+    for (const QScreen* screen : screens) {
+        result.push_back({displayIdForName(screen->name()), screen->name(), screen->geometry(),
+                          screen->devicePixelRatio()});
+    }
+    return result;
+}
+
+std::optional<X11DisplayServices::Screen> X11DisplayServices::screenFor(DisplayId displayId) const {
+    for (const Screen& screen : currentScreens()) {
+        if (screen.id == displayId) {
+            return screen;
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<DisplayId> X11DisplayServices::getActiveDisplays() {
+    std::vector<DisplayId> ids;
+    for (const Screen& screen : currentScreens()) {
+        ids.push_back(screen.id);
+    }
+    return ids;
+}
+
+QByteArray X11DisplayServices::edidFor(const QString& screenName) const {
+    if (!x_->isValid()) {
+        return {};
+    }
+    xcb_connection_t* c = x_->raw();
+    // The screen is either a RandR monitor (whose first output carries the EDID) or an output.
+    std::vector<xcb_randr_output_t> outputs;
+    if (auto monitors = owned(
+            xcb_randr_get_monitors_reply(c, xcb_randr_get_monitors(c, x_->root(), 1), nullptr))) {
+        for (auto it = xcb_randr_get_monitors_monitors_iterator(monitors.get()); it.rem;
+             xcb_randr_monitor_info_next(&it)) {
+            if (x_->atomName(it.data->name) == screenName) {
+                const auto* list = xcb_randr_monitor_info_outputs(it.data);
+                outputs.assign(list, list + xcb_randr_monitor_info_outputs_length(it.data));
+            }
+        }
+    }
+    if (outputs.empty()) {
+        auto resources = owned(xcb_randr_get_screen_resources_current_reply(
+            c, xcb_randr_get_screen_resources_current(c, x_->root()), nullptr));
+        if (resources) {
+            const auto* list = xcb_randr_get_screen_resources_current_outputs(resources.get());
+            const int count =
+                xcb_randr_get_screen_resources_current_outputs_length(resources.get());
+            for (int i = 0; i < count; ++i) {
+                auto info = owned(xcb_randr_get_output_info_reply(
+                    c, xcb_randr_get_output_info(c, list[i], resources->config_timestamp),
+                    nullptr));
+                if (info &&
+                    QString::fromUtf8(
+                        reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                        xcb_randr_get_output_info_name_length(info.get())) == screenName) {
+                    outputs.push_back(list[i]);
+                }
+            }
+        }
+    }
+    for (const auto output : outputs) {
+        auto property = owned(xcb_randr_get_output_property_reply(
+            c,
+            xcb_randr_get_output_property(c, output, x_->atom("EDID"), XCB_ATOM_INTEGER, 0, 256, 0,
+                                          0),
+            nullptr));
+        if (property) {
+            const int length = xcb_randr_get_output_property_data_length(property.get());
+            if (length >= 128) {
+                return QByteArray(reinterpret_cast<const char*>(
+                                      xcb_randr_get_output_property_data(property.get())),
+                                  length);
+            }
+        }
+    }
+    return {};
+}
+
+DisplayIdentifier X11DisplayServices::getIdentifier(DisplayId displayId) {
+    const auto screen = screenFor(displayId);
+    const QString name = screen ? screen->name : QString::number(displayId);
+    if (const auto edid = parseEdid(edidFor(name))) {
+        return DisplayIdentifier(edid->manufacturerId, edid->productCode, edid->serialNumber);
+    }
+    // No EDID (virtual and headless servers): a stable identity from the monitor's name and size,
+    // with no serial number, so that the title tells identical monitors apart by position.
+    const QByteArray key = name.toUtf8() + '@' +
+                           (screen ? QByteArray::number(screen->rootGeometry.width()) + 'x' +
+                                         QByteArray::number(screen->rootGeometry.height())
+                                   : QByteArray());
+    return DisplayIdentifier(0, fnv1a(key) & 0x7fffffff, std::nullopt);
+}
+
+QString X11DisplayServices::getName(DisplayId displayId) {
+    const auto screen = screenFor(displayId);
+    if (!screen) {
+        return QStringLiteral("Display %1").arg(displayId);
+    }
+    if (const auto edid = parseEdid(edidFor(screen->name)); edid && !edid->productName.isEmpty()) {
+        return edid->productName;
+    }
+    return screen->name;
+}
+
+QString X11DisplayServices::getTitle(DisplayId displayId) {
+    QString title = getName(displayId);
+    if (!getIdentifier(displayId).serialNumber()) {
+        if (const auto frame = getFrame(displayId)) {
+            title += QStringLiteral(" @ %1,%2").arg(frame->x()).arg(frame->y());
+        }
+    }
+    return title;
+}
+
+QString X11DisplayServices::getSummary(DisplayId displayId) {
+    const auto frame = getFrame(displayId);
+    return getTitle(displayId) + QStringLiteral(" id=") + QString::number(displayId) +
+           QStringLiteral(" stableId=") + getIdentifier(displayId).stableId() +
+           QStringLiteral(" frame=") +
+           (frame ? SnapDiagnosticFormatter::formatRect(*frame) : QStringLiteral("nil"));
+}
+
+std::optional<DesktopRect> X11DisplayServices::getFrame(DisplayId displayId) {
+    const auto screen = screenFor(displayId);
+    return screen ? std::optional(X11DesktopSpace::toDesktop(QRectF(screen->rootGeometry)))
+                  : std::nullopt;
+}
+
+QRect X11DisplayServices::visibleArea(const QRect& monitor,
+                                      const std::vector<std::vector<std::uint32_t>>& struts,
+                                      int rootWidth, int rootHeight) {
+    int left = monitor.left();
+    int top = monitor.top();
+    int right = monitor.x() + monitor.width();   // exclusive
+    int bottom = monitor.y() + monitor.height(); // exclusive
+    const auto overlaps = [](long a0, long a1, long b0, long b1) { return a0 <= b1 && b0 <= a1; };
+    for (const auto& s : struts) {
+        if (s.size() < 12) {
+            continue;
+        }
+        // left, right, top, bottom, then the start and end of each along its edge
+        if (s[0] > 0 && overlaps(s[4], s[5], monitor.top(), monitor.bottom()) &&
+            static_cast<long>(s[0]) > monitor.left()) {
+            left = std::max(left, static_cast<int>(s[0]));
+        }
+        if (s[1] > 0 && overlaps(s[6], s[7], monitor.top(), monitor.bottom()) &&
+            rootWidth - static_cast<long>(s[1]) < monitor.x() + monitor.width()) {
+            right = std::min(right, rootWidth - static_cast<int>(s[1]));
+        }
+        if (s[2] > 0 && overlaps(s[8], s[9], monitor.left(), monitor.right()) &&
+            static_cast<long>(s[2]) > monitor.top()) {
+            top = std::max(top, static_cast<int>(s[2]));
+        }
+        if (s[3] > 0 && overlaps(s[10], s[11], monitor.left(), monitor.right()) &&
+            rootHeight - static_cast<long>(s[3]) < monitor.y() + monitor.height()) {
+            bottom = std::min(bottom, rootHeight - static_cast<int>(s[3]));
+        }
+    }
+    return QRect(left, top, std::max(0, right - left), std::max(0, bottom - top));
+}
+
+std::optional<DesktopRect> X11DisplayServices::getVisibleFrame(DisplayId displayId) {
+    const auto screen = screenFor(displayId);
+    return screen ? std::optional(visibleFrameOf(*screen)) : std::nullopt;
+}
+
+DesktopRect X11DisplayServices::visibleFrameOf(const Screen& screen) const {
+    QRect visible = screen.rootGeometry;
+    if (x_->isValid()) {
+        std::vector<std::vector<std::uint32_t>> struts;
+        for (const xcb_window_t window : x_->windowList(x_->root(), "_NET_CLIENT_LIST")) {
+            auto partial = x_->cardinals(window, "_NET_WM_STRUT_PARTIAL");
+            if (partial.size() < 12) {
+                // The older four-value form spans whole edges.
+                const auto plain = x_->cardinals(window, "_NET_WM_STRUT");
+                if (plain.size() < 4) {
+                    continue;
+                }
+                const std::uint32_t w = static_cast<std::uint32_t>(x_->rootWidth());
+                const std::uint32_t h = static_cast<std::uint32_t>(x_->rootHeight());
+                partial = {plain[0], plain[1], plain[2], plain[3], 0, h, 0, h, 0, w, 0, w};
+            }
+            struts.push_back(partial);
+        }
+        visible = visibleArea(visible, struts, x_->rootWidth(), x_->rootHeight());
+        if (currentScreens().size() == 1) {
+            // With one monitor the window manager's own work area is authoritative.
+            const auto area = x_->cardinals(x_->root(), "_NET_WORKAREA");
+            if (area.size() >= 4) {
+                visible = visible.intersected(
+                    QRect(static_cast<int>(area[0]), static_cast<int>(area[1]),
+                          static_cast<int>(area[2]), static_cast<int>(area[3])));
+            }
+        }
+    }
+    return X11DesktopSpace::toDesktop(QRectF(visible));
+}
+
+std::optional<DisplayId> X11DisplayServices::getDisplayId(DesktopPoint point) {
+    for (const Screen& screen : currentScreens()) {
+        if (X11DesktopSpace::toDesktop(QRectF(screen.rootGeometry)).contains(point)) {
+            return screen.id;
+        }
+    }
+    return std::nullopt;
+}
+
+DesktopPoint X11DisplayServices::pointerLocation() {
+    if (x_->isValid()) {
+        auto pointer = owned(
+            xcb_query_pointer_reply(x_->raw(), xcb_query_pointer(x_->raw(), x_->root()), nullptr));
+        if (pointer) {
+            return X11DesktopSpace::toDesktop(QPointF(pointer->root_x, pointer->root_y));
+        }
+    }
+    return X11DesktopSpace::toDesktop(QPointF(QCursor::pos()));
+}
+
+double X11DisplayServices::primaryMaxY() {
+    return X11DesktopSpace::primaryMaxY();
+}
+
+std::vector<ScreenInfo> X11DisplayServices::screens() const {
+    std::vector<ScreenInfo> result;
+    for (const Screen& screen : currentScreens()) {
+        const QRectF root(screen.rootGeometry);
+        result.push_back({screen.name, screen.id, screen.scale, X11DesktopSpace::toDesktop(root),
+                          visibleFrameOf(screen),
+                          DesktopRect(root.x(), root.y(), root.width(), root.height())});
+    }
+    return result;
+}
+
+} // namespace paneforge

@@ -1,0 +1,290 @@
+#include "platform/x11/x11_window_service.h"
+
+#include "core/frame_apply_policy.h"
+#include "core/snap_diagnostic_formatter.h"
+#include "platform/x11/x11_desktop_space.h"
+
+#include <QPoint>
+#include <cmath>
+#include <cstdlib>
+
+namespace paneforge {
+
+namespace {
+
+struct X11Window final : WindowElement {
+    explicit X11Window(xcb_window_t w)
+        : client(w) {}
+    xcb_window_t client;
+};
+
+template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T* raw) {
+    return std::unique_ptr<T, decltype(&std::free)>(raw, &std::free);
+}
+
+// _NET_MOVERESIZE_WINDOW flags: NorthWest gravity (x, y name the outer frame's corner), which of
+// x, y, width and height are given, and "sent by a tool on the user's behalf".
+constexpr std::uint32_t kNorthWestGravity = 1;
+constexpr std::uint32_t kHasX = 1u << 8, kHasY = 1u << 9, kHasWidth = 1u << 10,
+                        kHasHeight = 1u << 11;
+constexpr std::uint32_t kSourceTool = 2u << 12;
+
+constexpr std::uint32_t kStateRemove = 0;
+
+} // namespace
+
+X11WindowService::X11WindowService(X11Connection& connection, Scheduler& scheduler, LogSink log)
+    : x_(connection)
+    , scheduler_(scheduler)
+    , log_(std::move(log)) {}
+
+xcb_window_t X11WindowService::clientOf(const WindowRef& window) {
+    const auto* x11 = dynamic_cast<const X11Window*>(window.get());
+    return x11 ? x11->client : XCB_NONE;
+}
+
+WindowRef X11WindowService::wrap(xcb_window_t client) {
+    return client == XCB_NONE ? nullptr : std::make_shared<const X11Window>(client);
+}
+
+bool X11WindowService::sameWindow(const WindowRef& a, const WindowRef& b) {
+    return clientOf(a) != XCB_NONE && clientOf(a) == clientOf(b);
+}
+
+std::optional<xcb_window_t> X11WindowService::findClientBelow(xcb_window_t window, int depth) {
+    if (x_.hasProperty(window, "WM_STATE")) {
+        return window;
+    }
+    if (depth <= 0) {
+        return std::nullopt;
+    }
+    auto tree = owned(xcb_query_tree_reply(x_.raw(), xcb_query_tree(x_.raw(), window), nullptr));
+    if (!tree) {
+        return std::nullopt;
+    }
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0; --i) { // topmost first
+        if (auto found = findClientBelow(children[i], depth - 1)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<xcb_window_t> X11WindowService::managedClientAt(xcb_window_t topLevel, int rootX,
+                                                              int rootY) {
+    // Follow the pointer path down from the window manager's frame to the window with WM_STATE.
+    xcb_window_t current = topLevel;
+    for (int depth = 0; depth < 10 && current != XCB_NONE; ++depth) {
+        if (x_.hasProperty(current, "WM_STATE")) {
+            return current;
+        }
+        auto step = owned(xcb_translate_coordinates_reply(
+            x_.raw(),
+            xcb_translate_coordinates(x_.raw(), x_.root(), current,
+                                      static_cast<std::int16_t>(rootX),
+                                      static_cast<std::int16_t>(rootY)),
+            nullptr));
+        if (!step || step->child == XCB_NONE) {
+            break;
+        }
+        current = step->child;
+    }
+    // The point may fall on the frame's border or title bar, outside the client itself.
+    return findClientBelow(topLevel, 3);
+}
+
+WindowRef X11WindowService::windowUnderPoint(DesktopPoint point) {
+    if (!x_.isValid()) {
+        return nullptr;
+    }
+    const QPointF root = X11DesktopSpace::toRoot(point);
+    const int rootX = static_cast<int>(std::floor(root.x()));
+    const int rootY = static_cast<int>(std::floor(root.y()));
+    auto top = owned(xcb_translate_coordinates_reply(
+        x_.raw(),
+        xcb_translate_coordinates(x_.raw(), x_.root(), x_.root(), static_cast<std::int16_t>(rootX),
+                                  static_cast<std::int16_t>(rootY)),
+        nullptr));
+    if (!top || top->child == XCB_NONE) {
+        return nullptr;
+    }
+    const auto client = managedClientAt(top->child, rootX, rootY);
+    return client ? wrap(*client) : nullptr;
+}
+
+WindowRef X11WindowService::focusedWindow() {
+    if (!x_.isValid()) {
+        return nullptr;
+    }
+    const auto active = x_.windowProperty(x_.root(), "_NET_ACTIVE_WINDOW");
+    if (!active || *active == XCB_NONE) {
+        return nullptr;
+    }
+    const auto client = findClientBelow(*active, 3);
+    return client ? wrap(*client) : nullptr;
+}
+
+X11WindowService::Extents X11WindowService::frameExtents(xcb_window_t client) {
+    const auto values = x_.cardinals(client, "_NET_FRAME_EXTENTS");
+    if (values.size() < 4) {
+        return {};
+    }
+    return {static_cast<int>(values[0]), static_cast<int>(values[1]), static_cast<int>(values[2]),
+            static_cast<int>(values[3])};
+}
+
+std::optional<DesktopRect> X11WindowService::frame(const WindowRef& window) {
+    const xcb_window_t client = clientOf(window);
+    if (!x_.isValid() || client == XCB_NONE) {
+        return std::nullopt;
+    }
+    auto geometry =
+        owned(xcb_get_geometry_reply(x_.raw(), xcb_get_geometry(x_.raw(), client), nullptr));
+    auto position = owned(xcb_translate_coordinates_reply(
+        x_.raw(), xcb_translate_coordinates(x_.raw(), client, x_.root(), 0, 0), nullptr));
+    if (!geometry || !position) {
+        return std::nullopt;
+    }
+    const Extents e = frameExtents(client);
+    const QRectF outer(position->dst_x - e.left, position->dst_y - e.top,
+                       geometry->width + e.left + e.right, geometry->height + e.top + e.bottom);
+    return X11DesktopSpace::toDesktop(outer);
+}
+
+std::optional<QString> X11WindowService::role(const WindowRef& window) {
+    const xcb_window_t client = clientOf(window);
+    if (!x_.isValid() || client == XCB_NONE || !x_.hasProperty(client, "WM_STATE")) {
+        return std::nullopt;
+    }
+    // Docks and desktops are not windows a user arranges.
+    for (const xcb_atom_t type : x_.atomList(client, "_NET_WM_WINDOW_TYPE")) {
+        if (type == x_.atom("_NET_WM_WINDOW_TYPE_DOCK") ||
+            type == x_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) {
+            return QStringLiteral("AXUnknown");
+        }
+    }
+    return QStringLiteral("AXWindow");
+}
+
+void X11WindowService::unmaximize(xcb_window_t client) {
+    const xcb_atom_t vertical = x_.atom("_NET_WM_STATE_MAXIMIZED_VERT");
+    const xcb_atom_t horizontal = x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
+    bool maximized = false;
+    for (const xcb_atom_t state : x_.atomList(client, "_NET_WM_STATE")) {
+        maximized = maximized || state == vertical || state == horizontal;
+    }
+    if (maximized) {
+        x_.sendRootMessage(client, "_NET_WM_STATE", {kStateRemove, vertical, horizontal, 2, 0});
+    }
+}
+
+void X11WindowService::requestOuterFrame(xcb_window_t client, int x, int y, int clientWidth,
+                                         int clientHeight, bool positionOnly) {
+    const bool managed = x_.windowProperty(x_.root(), "_NET_SUPPORTING_WM_CHECK").has_value();
+    if (managed) {
+        const std::uint32_t flags = kNorthWestGravity | kHasX | kHasY |
+                                    (positionOnly ? 0 : kHasWidth | kHasHeight) | kSourceTool;
+        x_.sendRootMessage(client, "_NET_MOVERESIZE_WINDOW",
+                           {flags, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+                            static_cast<std::uint32_t>(clientWidth),
+                            static_cast<std::uint32_t>(clientHeight)});
+    } else {
+        // No window manager: the client is the outer frame.
+        const std::uint32_t values[] = {
+            static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+            static_cast<std::uint32_t>(clientWidth), static_cast<std::uint32_t>(clientHeight)};
+        xcb_configure_window(
+            x_.raw(), client,
+            XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                (positionOnly ? 0 : XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT),
+            values);
+    }
+    x_.flush();
+}
+
+void X11WindowService::setFrame(const WindowRef& window, const DesktopRect& frame) {
+    const xcb_window_t client = clientOf(window);
+    if (!x_.isValid() || client == XCB_NONE) {
+        return;
+    }
+    const QRectF root = X11DesktopSpace::toRoot(frame);
+    const Extents e = frameExtents(client);
+    const QPoint origin(static_cast<int>(std::lround(root.x())),
+                        static_cast<int>(std::lround(root.y())));
+    const int width = std::max(1, static_cast<int>(std::lround(root.width())) - e.left - e.right);
+    const int height = std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom);
+    unmaximize(client);
+    requestOuterFrame(client, origin.x(), origin.y(), width, height, false);
+    // The window manager acts asynchronously: look where the window went a moment later.
+    scheduler_.postAfter(verifyDelay,
+                         [this, window, frame, origin] { verify(window, frame, origin); });
+}
+
+void X11WindowService::verify(const WindowRef& window, const DesktopRect& requested,
+                              QPoint rootOrigin) {
+    const xcb_window_t client = clientOf(window);
+    bool retried = false;
+    // Compare the top-left corners, in root coordinates: that is the corner the move anchored,
+    // and windows that round their size (terminals) keep it while their bottom edge moves.
+    const auto topLeftRect = [](const DesktopRect& r) {
+        const QRectF root = X11DesktopSpace::toRoot(r);
+        return DesktopRect(root.x(), root.y(), root.width(), root.height());
+    };
+    const auto actual = frame(window);
+    if (FrameApplyPolicy::originNeedsRetry(
+            topLeftRect(requested), actual ? std::optional(topLeftRect(*actual)) : std::nullopt,
+            FrameApplyPolicy::originTolerance)) {
+        const Extents e = frameExtents(client);
+        const QRectF root = X11DesktopSpace::toRoot(requested);
+        requestOuterFrame(
+            client, rootOrigin.x(), rootOrigin.y(),
+            std::max(1, static_cast<int>(std::lround(root.width())) - e.left - e.right),
+            std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom), true);
+        retried = true;
+    }
+    const auto after = frame(window);
+    if (log_) {
+        log_(
+            QStringLiteral("X11WindowService.setFrame requested=") +
+            SnapDiagnosticFormatter::formatRect(requested) + QStringLiteral(" rootOrigin=") +
+            SnapDiagnosticFormatter::formatPoint({double(rootOrigin.x()), double(rootOrigin.y())}) +
+            QStringLiteral(" primaryMaxY=") +
+            SnapDiagnosticFormatter::formatDouble(X11DesktopSpace::primaryMaxY()) +
+            QStringLiteral(" retried=") +
+            (retried ? QStringLiteral("true") : QStringLiteral("false")) +
+            QStringLiteral(" after=") +
+            (after ? SnapDiagnosticFormatter::formatRect(*after) : QStringLiteral("nil")) +
+            QLatin1Char(' ') + describeWindow(window));
+    }
+}
+
+QString X11WindowService::describeWindow(const WindowRef& window) {
+    const xcb_window_t client = clientOf(window);
+    const auto text = [](const std::optional<QString>& value) {
+        return value && !value->isEmpty() ? *value : QStringLiteral("nil");
+    };
+    if (!x_.isValid() || client == XCB_NONE) {
+        return QStringLiteral("pid=nil role=nil subrole=nil title=nil cocoaFrame=nil");
+    }
+    const auto pid = x_.cardinals(client, "_NET_WM_PID");
+    const auto types = x_.atomList(client, "_NET_WM_WINDOW_TYPE");
+    std::optional<QString> subrole;
+    if (!types.empty()) {
+        subrole =
+            x_.atomName(types.front()).remove(QStringLiteral("_NET_WM_WINDOW_TYPE_")).toLower();
+    }
+    auto title = x_.utf8Property(client, "_NET_WM_NAME");
+    if (!title) {
+        title = x_.utf8Property(client, "WM_NAME");
+    }
+    const auto outer = frame(window);
+    return QStringLiteral("pid=") +
+           (pid.empty() ? QStringLiteral("nil") : QString::number(pid.front())) +
+           QStringLiteral(" role=") + text(role(window)) + QStringLiteral(" subrole=") +
+           text(subrole) + QStringLiteral(" title=") + text(title) +
+           QStringLiteral(" cocoaFrame=") +
+           (outer ? SnapDiagnosticFormatter::formatRect(*outer) : QStringLiteral("nil"));
+}
+
+} // namespace paneforge

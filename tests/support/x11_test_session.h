@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+// A private X server for end-to-end tests: Xvfb on a free display, optionally split into two
+// monitors, with openbox managing real client windows. Every process is started and stopped by
+// its own id; nothing waits a fixed time, everything polls a condition against a deadline.
+class X11TestSession {
+public:
+    struct Options {
+        int width = 1920;
+        int height = 1080;
+        bool twoMonitors = false; // LEFT and RIGHT halves, side by side
+        bool windowManager = true;
+    };
+
+    explicit X11TestSession(Options options);
+    ~X11TestSession();
+
+    // Starts the server (and the window manager). On failure `error` says why.
+    bool start(QString* error);
+    QString display() const { return display_; }
+    QProcessEnvironment environment() const;
+
+    // Starts a client and waits until the window manager lists a new client window; returns it.
+    std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
+                                             QString* error);
+    // Runs a short command (xdotool, xrandr, ...) to its end; true when it exits with status 0.
+    bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
+
+    std::vector<std::uint32_t> clientList() const;
+    std::vector<std::uint32_t> rootCardinals(const char* property) const;
+
+    // Polls `condition` until it holds or `timeout` passes.
+    static bool waitUntil(const std::function<bool()>& condition,
+                          std::chrono::milliseconds timeout = std::chrono::seconds(10));
+
+private:
+    QProcess* launch(const QString& program, const QStringList& arguments);
+
+    Options options_;
+    QString display_;
+    std::vector<std::unique_ptr<QProcess>> processes_;
+    struct Connection;
+    std::unique_ptr<Connection> connection_;
+};
