@@ -1,0 +1,79 @@
+#include "platform/x11/edid.h"
+#include "platform/x11/x11_display_services.h"
+
+#include <QTest>
+
+using namespace paneforge;
+
+using Struts = std::vector<std::vector<std::uint32_t>>;
+
+namespace {
+QByteArray edidBlock(std::uint32_t serial, const QByteArray& name) {
+    QByteArray block(128, '\0');
+    block.replace(0, 8, QByteArray("\x00\xff\xff\xff\xff\xff\xff\x00", 8));
+    block[8] = char(0x10); // "DEL" packs to 0x10AC
+    block[9] = char(0xAC);
+    block[10] = char(0x34); // product 0x4134, little-endian
+    block[11] = char(0x41);
+    for (int i = 0; i < 4; ++i) {
+        block[12 + i] = char((serial >> (8 * i)) & 0xff);
+    }
+    block[72 + 3] = char(0xFC); // second descriptor: monitor name
+    block.replace(72 + 5, name.size(), name);
+    return block;
+}
+} // namespace
+
+class X11GeometryRulesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void edid() {
+        const auto info = parseEdid(edidBlock(123456, "DELL U2720Q\n  "));
+        QVERIFY(info);
+        QCOMPARE(info->manufacturerId, 0x10AC);
+        QCOMPARE(info->productCode, 0x4134);
+        QCOMPARE(info->serialNumber, std::optional<std::int64_t>(123456));
+        QCOMPARE(info->productName, QStringLiteral("DELL U2720Q"));
+        QCOMPARE(parseEdid(edidBlock(0, "X\n"))->serialNumber, std::nullopt);
+        QVERIFY(!parseEdid(edidBlock(1, "X").left(127)));
+        QVERIFY(!parseEdid(QByteArray(128, '\xff')));
+    }
+
+    void struts_data() {
+        QTest::addColumn<QRect>("monitor");
+        QTest::addColumn<Struts>("struts");
+        QTest::addColumn<QRect>("visible");
+        const QRect left(0, 0, 960, 1080);
+        const QRect right(960, 0, 960, 1080);
+        QTest::newRow("top panel on the left monitor")
+            << left << Struts{{0, 0, 30, 0, 0, 0, 0, 0, 0, 199, 0, 0}} << QRect(0, 30, 960, 1050);
+        QTest::newRow("same panel, right monitor untouched")
+            << right << Struts{{0, 0, 30, 0, 0, 0, 0, 0, 0, 199, 0, 0}} << right;
+        QTest::newRow("bottom dock across both")
+            << right << Struts{{0, 0, 0, 48, 0, 0, 0, 0, 0, 0, 0, 1919}}
+            << QRect(960, 0, 960, 1032);
+        QTest::newRow("left dock")
+            << left << Struts{{64, 0, 0, 0, 0, 1079, 0, 0, 0, 0, 0, 0}} << QRect(64, 0, 896, 1080);
+        QTest::newRow("right dock reaches only the right monitor")
+            << left << Struts{{0, 64, 0, 0, 0, 0, 0, 1079, 0, 0, 0, 0}} << left;
+        QTest::newRow("malformed strut ignored") << left << Struts{{30, 30}} << left;
+    }
+    void struts() {
+        QFETCH(QRect, monitor);
+        QFETCH(Struts, struts);
+        QFETCH(QRect, visible);
+        QCOMPARE(X11DisplayServices::visibleArea(monitor, struts, 1920, 1080), visible);
+    }
+
+    void displayIdsAreStableAndNonZero() {
+        QCOMPARE(X11DisplayServices::displayIdForName("LEFT"),
+                 X11DisplayServices::displayIdForName("LEFT"));
+        QVERIFY(X11DisplayServices::displayIdForName("LEFT") !=
+                X11DisplayServices::displayIdForName("RIGHT"));
+        QVERIFY(X11DisplayServices::displayIdForName("") != 0);
+    }
+};
+
+QTEST_APPLESS_MAIN(X11GeometryRulesTest)
+#include "tst_x11_geometry_rules.moc"

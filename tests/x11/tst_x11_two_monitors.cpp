@@ -1,0 +1,122 @@
+#include "app/manual_scheduler.h"
+#include "app/move_window_controller.h"
+#include "core/display_cycle.h"
+#include "platform/x11/x11_display_services.h"
+#include "platform/x11/x11_window_service.h"
+#include "x11_test_session.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QTest>
+#include <cmath>
+
+using namespace paneforge;
+
+// Two monitors side by side (the Xvfb screen split with xrandr): moving a window to the next
+// display, and dock struts that shrink only the monitor they touch.
+class X11TwoMonitorsTest : public QObject {
+    Q_OBJECT
+
+public:
+    explicit X11TwoMonitorsTest(X11TestSession& session)
+        : session_(session) {}
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY(connection_.isValid());
+        QVERIFY(X11TestSession::waitUntil([] { return QGuiApplication::screens().size() == 2; }));
+        const auto ids = displays_.getActiveDisplays();
+        QCOMPARE(ids.size(), size_t(2));
+        left_ = *displays_.getDisplayId({10, 10});
+        right_ = *displays_.getDisplayId({970, 10});
+        QVERIFY(left_ != right_);
+    }
+
+    void identitiesAndTitles() {
+        QVERIFY(displays_.getIdentifier(left_) != displays_.getIdentifier(right_));
+        QCOMPARE(displays_.getIdentifier(left_), displays_.getIdentifier(left_)); // stable
+        QCOMPARE(displays_.getTitle(right_), QStringLiteral("RIGHT @ 960,0"));
+        QCOMPARE(*displays_.getFrame(right_), DesktopRect(960, 0, 960, 1080));
+        QVERIFY(displays_.getSummary(left_).contains("stableId=v0-p"));
+    }
+
+    void movesTheFocusedWindowToTheNextDisplay() {
+        QString error;
+        const auto logo = session_.startClient("xlogo", {"-geometry", "400x300+100+200"}, &error);
+        QVERIFY2(logo, qPrintable(error));
+        QVERIFY(session_.run("xdotool", {"windowactivate", "--sync", QString::number(*logo)}));
+        const auto window = X11WindowService::wrap(*logo);
+        QVERIFY(X11TestSession::waitUntil(
+            [&] { return X11WindowService::clientOf(windows_.focusedWindow()) == *logo; }));
+        const DesktopRect before = *windows_.frame(window);
+        const DesktopRect expected = WindowDisplayMapper::mappedFrame(
+            before, *displays_.getVisibleFrame(left_), *displays_.getVisibleFrame(right_));
+        QVERIFY(expected.minX() >= 960);
+
+        MoveWindowController(windows_, displays_, displays_).moveFrontmostWindowToNextDisplay();
+        std::optional<DesktopRect> after;
+        QVERIFY2(X11TestSession::waitUntil([&] {
+                     after = windows_.frame(window);
+                     return after && std::abs(after->x() - expected.x()) <= 1 &&
+                            std::abs(after->maxY() - expected.maxY()) <= 1 &&
+                            std::abs(after->width() - expected.width()) <= 1 &&
+                            std::abs(after->height() - expected.height()) <= 1;
+                 }),
+                 qPrintable(windows_.describeWindow(window)));
+
+        // And on around: the next display after the right one is the left one again.
+        MoveWindowController(windows_, displays_, displays_).moveFrontmostWindowToNextDisplay();
+        QVERIFY(X11TestSession::waitUntil([&] {
+            const auto f = windows_.frame(window);
+            return f && f->maxX() <= 960;
+        }));
+    }
+
+    void aDockStrutShrinksOnlyTheMonitorItTouches() {
+        const DesktopRect rightBefore = *displays_.getVisibleFrame(right_);
+        QCOMPARE(rightBefore, DesktopRect(960, 0, 960, 1080));
+        // trayer places itself on the first monitor: a 30-pixel panel along the left one's top.
+        QString error;
+        const auto panel =
+            session_.startClient("trayer",
+                                 {"--edge", "top", "--align", "left", "--widthtype", "pixel",
+                                  "--width", "200", "--heighttype", "pixel", "--height", "30",
+                                  "--SetDockType", "true", "--SetPartialStrut", "true"},
+                                 &error);
+        QVERIFY2(panel, qPrintable(error));
+        QVERIFY(X11TestSession::waitUntil(
+            [&] { return displays_.getVisibleFrame(left_)->height() == 1050; }));
+        QCOMPARE(*displays_.getVisibleFrame(left_), DesktopRect(0, 0, 960, 1050));
+        QCOMPARE(*displays_.getVisibleFrame(right_), rightBefore);
+        // The window manager's single work area spans both monitors and would wrongly shrink the
+        // right one too.
+        QCOMPARE(session_.rootCardinals("_NET_WORKAREA").at(1), 30u);
+    }
+
+private:
+    X11TestSession& session_;
+    X11Connection connection_;
+    ManualScheduler scheduler_;
+    X11WindowService windows_{connection_, scheduler_, nullptr};
+    X11DisplayServices displays_{connection_};
+    DisplayId left_ = 0;
+    DisplayId right_ = 0;
+};
+
+int main(int argc, char** argv) {
+    X11TestSession::Options options;
+    options.twoMonitors = true;
+    X11TestSession session(options);
+    QString error;
+    if (!session.start(&error)) {
+        qCritical("could not start the X11 test session: %s", qPrintable(error));
+        return 1;
+    }
+    qputenv("DISPLAY", session.display().toLatin1());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QGuiApplication app(argc, argv);
+    X11TwoMonitorsTest test(session);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_x11_two_monitors.moc"
