@@ -17,17 +17,25 @@ class DisplayService {
 public:
     virtual ~DisplayService() = default;
 
-    // The active displays, primary first.
+    // The active displays, in the window system's order.
     virtual std::vector<DisplayId> getActiveDisplays() = 0;
     // Never fails: a display that reports nothing still gets a stable identifier.
     virtual DisplayIdentifier getIdentifier(DisplayId displayId) = 0;
-    virtual QString getName(DisplayId displayId) = 0;
-    // The name, with " @ x,y" for displays without a serial number, so two identical monitors
-    // can be told apart.
-    virtual QString getTitle(DisplayId displayId) = 0;
-    // One line for the log and the menus.
-    virtual QString getSummary(DisplayId displayId) = 0;
+    virtual std::optional<QString> getDisplayName(DisplayId displayId) = 0;
+    // "<name> [Built-in|External] (<stableId>) @ <w>x<h>", with " @ <x>,<y>" added for displays
+    // without a serial number, so that two identical monitors can be told apart.
+    virtual QString getDisplayTitle(DisplayId displayId) = 0;
+    // "<stableId> @ <w>x<h>" per active display.
+    virtual std::vector<QString> getDisplaySummaries() = 0;
 };
+
+// The title and summary forms, shared by the platform layers. `bounds` are the window system's
+// top-left based bounds of the display.
+namespace DisplayText {
+QString title(const std::optional<QString>& name, const DisplayIdentifier& identifier, bool builtIn,
+              const DesktopRect& bounds);
+QString summary(const DisplayIdentifier& identifier, const DesktopRect& bounds);
+} // namespace DisplayText
 
 // Where the displays are. All geometry in desktop space.
 class DisplayFrameService {

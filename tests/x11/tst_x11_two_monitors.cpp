@@ -35,9 +35,13 @@ private Q_SLOTS:
     void identitiesAndTitles() {
         QVERIFY(displays_.getIdentifier(left_) != displays_.getIdentifier(right_));
         QCOMPARE(displays_.getIdentifier(left_), displays_.getIdentifier(left_)); // stable
-        QCOMPARE(displays_.getTitle(right_), QStringLiteral("RIGHT @ 960,0"));
+        const QString stableId = displays_.getIdentifier(right_).stableId();
+        QCOMPARE(displays_.getDisplayTitle(right_),
+                 QStringLiteral("RIGHT [External] (%1) @ 960x1080 @ 960,0").arg(stableId));
         QCOMPARE(*displays_.getFrame(right_), DesktopRect(960, 0, 960, 1080));
-        QVERIFY(displays_.getSummary(left_).contains("stableId=v0-p"));
+        const auto summaries = displays_.getDisplaySummaries();
+        QCOMPARE(summaries.size(), size_t(2));
+        QVERIFY(summaries[0].startsWith("v0-p") && summaries[0].endsWith("-sno-serial @ 960x1080"));
     }
 
     void movesTheFocusedWindowToTheNextDisplay() {

@@ -105,7 +105,7 @@ private Q_SLOTS:
         QCOMPARE(displays.getVisibleFrame(ids[0])->height(), double(area[3]));
         QCOMPARE(displays.getDisplayId({1919, 1079}), std::optional(ids[0]));
         QVERIFY(!displays.getDisplayId({1920, 10}));
-        QVERIFY(displays.getTitle(ids[0]).contains(" @ 0,0"));
+        QVERIFY(displays.getDisplayTitle(ids[0]).endsWith(") @ 1920x1080 @ 0,0"));
     }
 
 private:

@@ -64,6 +64,34 @@ std::vector<DisplayId> X11DisplayServices::getActiveDisplays() {
     return ids;
 }
 
+std::vector<QString> X11DisplayServices::outputNamesFor(const QString& screenName) const {
+    std::vector<QString> names{screenName};
+    if (!x_->isValid()) {
+        return names;
+    }
+    xcb_connection_t* c = x_->raw();
+    if (auto monitors = owned(
+            xcb_randr_get_monitors_reply(c, xcb_randr_get_monitors(c, x_->root(), 1), nullptr))) {
+        for (auto it = xcb_randr_get_monitors_monitors_iterator(monitors.get()); it.rem;
+             xcb_randr_monitor_info_next(&it)) {
+            if (x_->atomName(it.data->name) != screenName) {
+                continue;
+            }
+            const auto* outputs = xcb_randr_monitor_info_outputs(it.data);
+            for (int i = 0; i < xcb_randr_monitor_info_outputs_length(it.data); ++i) {
+                auto info = owned(xcb_randr_get_output_info_reply(
+                    c, xcb_randr_get_output_info(c, outputs[i], XCB_CURRENT_TIME), nullptr));
+                if (info) {
+                    names.push_back(QString::fromUtf8(
+                        reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                        xcb_randr_get_output_info_name_length(info.get())));
+                }
+            }
+        }
+    }
+    return names;
+}
+
 QByteArray X11DisplayServices::edidFor(const QString& screenName) const {
     if (!x_->isValid()) {
         return {};
@@ -134,10 +162,10 @@ DisplayIdentifier X11DisplayServices::getIdentifier(DisplayId displayId) {
     return DisplayIdentifier(0, fnv1a(key) & 0x7fffffff, std::nullopt);
 }
 
-QString X11DisplayServices::getName(DisplayId displayId) {
+std::optional<QString> X11DisplayServices::getDisplayName(DisplayId displayId) {
     const auto screen = screenFor(displayId);
     if (!screen) {
-        return QStringLiteral("Display %1").arg(displayId);
+        return std::nullopt;
     }
     if (const auto edid = parseEdid(edidFor(screen->name)); edid && !edid->productName.isEmpty()) {
         return edid->productName;
@@ -145,22 +173,30 @@ QString X11DisplayServices::getName(DisplayId displayId) {
     return screen->name;
 }
 
-QString X11DisplayServices::getTitle(DisplayId displayId) {
-    QString title = getName(displayId);
-    if (!getIdentifier(displayId).serialNumber()) {
-        if (const auto frame = getFrame(displayId)) {
-            title += QStringLiteral(" @ %1,%2").arg(frame->x()).arg(frame->y());
+QString X11DisplayServices::getDisplayTitle(DisplayId displayId) {
+    const auto screen = screenFor(displayId);
+    const QRect bounds = screen ? screen->rootGeometry : QRect();
+    // Laptop panels are connected as eDP, LVDS or DSI outputs.
+    bool builtIn = false;
+    if (screen) {
+        for (const QString& output : outputNamesFor(screen->name)) {
+            builtIn = builtIn || output.startsWith(QLatin1String("eDP")) ||
+                      output.startsWith(QLatin1String("LVDS")) ||
+                      output.startsWith(QLatin1String("DSI"));
         }
     }
-    return title;
+    return DisplayText::title(getDisplayName(displayId), getIdentifier(displayId), builtIn,
+                              DesktopRect(bounds.x(), bounds.y(), bounds.width(), bounds.height()));
 }
 
-QString X11DisplayServices::getSummary(DisplayId displayId) {
-    const auto frame = getFrame(displayId);
-    return getTitle(displayId) + QStringLiteral(" id=") + QString::number(displayId) +
-           QStringLiteral(" stableId=") + getIdentifier(displayId).stableId() +
-           QStringLiteral(" frame=") +
-           (frame ? SnapDiagnosticFormatter::formatRect(*frame) : QStringLiteral("nil"));
+std::vector<QString> X11DisplayServices::getDisplaySummaries() {
+    std::vector<QString> summaries;
+    for (const Screen& screen : currentScreens()) {
+        const QRect b = screen.rootGeometry;
+        summaries.push_back(DisplayText::summary(getIdentifier(screen.id),
+                                                 DesktopRect(b.x(), b.y(), b.width(), b.height())));
+    }
+    return summaries;
 }
 
 std::optional<DesktopRect> X11DisplayServices::getFrame(DisplayId displayId) {

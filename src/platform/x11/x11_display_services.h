@@ -19,9 +19,9 @@ public:
 
     std::vector<DisplayId> getActiveDisplays() override;
     DisplayIdentifier getIdentifier(DisplayId displayId) override;
-    QString getName(DisplayId displayId) override;
-    QString getTitle(DisplayId displayId) override;
-    QString getSummary(DisplayId displayId) override;
+    std::optional<QString> getDisplayName(DisplayId displayId) override;
+    QString getDisplayTitle(DisplayId displayId) override;
+    std::vector<QString> getDisplaySummaries() override;
 
     std::optional<DesktopRect> getFrame(DisplayId displayId) override;
     std::optional<DesktopRect> getVisibleFrame(DisplayId displayId) override;
@@ -50,6 +50,7 @@ private:
     std::vector<Screen> currentScreens() const;
     std::optional<Screen> screenFor(DisplayId displayId) const;
     QByteArray edidFor(const QString& screenName) const;
+    std::vector<QString> outputNamesFor(const QString& screenName) const;
     DesktopRect visibleFrameOf(const Screen& screen) const;
 
     X11Connection* x_; // not owned; the lookups of const members go through it too
