@@ -25,7 +25,7 @@ X11Connection::X11Connection() {
         xcb_screen_next(&iterator);
     }
     screen_ = iterator.data;
-    root_ = screen_ ? screen_->root : XCB_NONE;
+    root_ = screen_ ? screen_->root : xcb_window_t{XCB_NONE};
 }
 
 X11Connection::~X11Connection() {
@@ -50,7 +50,7 @@ xcb_atom_t X11Connection::atom(const char* name) {
         connection_,
         xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
         nullptr));
-    const xcb_atom_t value = answer ? answer->atom : XCB_ATOM_NONE;
+    const xcb_atom_t value = answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
     atoms_.insert(key, value);
     return value;
 }

@@ -40,11 +40,11 @@ X11WindowService::X11WindowService(X11Connection& connection, Scheduler& schedul
 
 xcb_window_t X11WindowService::clientOf(const WindowRef& window) {
     const auto* x11 = dynamic_cast<const X11Window*>(window.get());
-    return x11 ? x11->client : XCB_NONE;
+    return x11 ? x11->client : xcb_window_t{XCB_NONE};
 }
 
 WindowRef X11WindowService::wrap(xcb_window_t client) {
-    return client == XCB_NONE ? nullptr : std::make_shared<const X11Window>(client);
+    return client == xcb_window_t{XCB_NONE} ? nullptr : std::make_shared<const X11Window>(client);
 }
 
 bool X11WindowService::sameWindow(const WindowRef& a, const WindowRef& b) {
