@@ -1,6 +1,7 @@
 #include "x11_test_session.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QThread>
 #include <cstdlib>
 #include <cstring>
@@ -208,4 +209,18 @@ bool X11TestSession::run(const QString& program, const QStringList& arguments, Q
         *output = QString::fromLocal8Bit(process.readAllStandardOutput());
     }
     return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+int runWithX11Session(int argc, char** argv, X11TestSession::Options options,
+                      const std::function<int(X11TestSession&)>& body) {
+    X11TestSession session(options);
+    QString error;
+    if (!session.start(&error)) {
+        qCritical("could not start the X11 test session: %s", qPrintable(error));
+        return 1;
+    }
+    qputenv("DISPLAY", session.display().toLatin1());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QGuiApplication app(argc, argv);
+    return body(session);
 }

@@ -52,3 +52,8 @@ private:
     struct Connection;
     std::unique_ptr<Connection> connection_;
 };
+
+// The main() of an X11 test: starts a session, points Qt at it before the QGuiApplication exists,
+// and runs `body` (typically QTest::qExec) inside that application.
+int runWithX11Session(int argc, char** argv, X11TestSession::Options options,
+                      const std::function<int(X11TestSession&)>& body);

@@ -120,17 +120,10 @@ private:
 };
 
 int main(int argc, char** argv) {
-    X11TestSession session({});
-    QString error;
-    if (!session.start(&error)) {
-        qCritical("could not start the X11 test session: %s", qPrintable(error));
-        return 1;
-    }
-    qputenv("DISPLAY", session.display().toLatin1());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    QGuiApplication app(argc, argv);
-    X11WindowsTest test(session);
-    return QTest::qExec(&test, argc, argv);
+    return runWithX11Session(argc, argv, {}, [&](X11TestSession& session) {
+        X11WindowsTest test(session);
+        return QTest::qExec(&test, argc, argv);
+    });
 }
 
 #include "tst_x11_windows.moc"
