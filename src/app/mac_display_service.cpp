@@ -53,6 +53,16 @@ double MacDisplayService::primaryMaxY() {
     return screens.empty() ? 0.0 : screens.front().frame.maxY();
 }
 
+std::vector<ScreenInfo> MacDisplayService::screens() const {
+    std::vector<ScreenInfo> result;
+    for (const PlatformScreen& screen : api_.screens()) {
+        result.push_back({screen.localizedName.value_or(QString()), screen.number,
+                          screen.backingScaleFactor, screen.frame, screen.visibleFrame,
+                          screen.number ? api_.bounds(*screen.number) : DesktopRect()});
+    }
+    return result;
+}
+
 std::optional<RegistryDisplay>
 MacDisplayService::findDisplayService(const DisplayIdentifier& identifier) {
     const auto entries = api_.registryDisplays();

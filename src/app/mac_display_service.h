@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/display_services.h"
+#include "app/screen_diagnostics.h"
 #include "core/logger_factory.h"
 
 #include <QString>
@@ -17,6 +18,7 @@ struct PlatformScreen {
     DesktopRect frame;
     DesktopRect visibleFrame;
     std::optional<QString> localizedName;
+    double backingScaleFactor = 1.0;
 };
 
 // One "IODisplayConnect" entry of the I/O registry; `handle` names it for productNames().
@@ -56,7 +58,9 @@ public:
 };
 
 // The macOS display services, written against DisplayApi so that they are tested anywhere.
-class MacDisplayService final : public DisplayService, public DisplayFrameService {
+class MacDisplayService final : public DisplayService,
+                                public DisplayFrameService,
+                                public ScreenListing {
 public:
     MacDisplayService(DisplayApi& api, Logger logger)
         : api_(api)
@@ -73,6 +77,9 @@ public:
     std::optional<DisplayId> getDisplayId(DesktopPoint point) override;
     DesktopPoint pointerLocation() override { return api_.mouseLocation(); }
     double primaryMaxY() override;
+
+    // The screens for the diagnostic topology lines, in AppKit's order.
+    std::vector<ScreenInfo> screens() const override;
 
     // The registry's product name for a display, in the user's language.
     std::optional<QString> registryProductName(const DisplayIdentifier& identifier);

@@ -79,6 +79,16 @@ private Q_SLOTS:
         QCOMPARE(service.getDisplayId({100, 900}), std::nullopt); // the top edge is outside
         QCOMPARE(*service.getVisibleFrame(7), DesktopRect(-1920, 0, 1920, 1055));
         QCOMPARE(service.primaryMaxY(), 900.0);
+
+        api.displays[1] = {610, 41000, 0, {0, 0, 1440, 900}, true};
+        api.displays[7] = {1552, 1, 0, {-1920, 180, 1920, 1080}, false};
+        api.screenList[0].backingScaleFactor = 2.0;
+        const auto listed = service.screens();
+        QCOMPARE(listed.size(), size_t(3));
+        QCOMPARE(listed[0].name, QStringLiteral("Built-in Retina Display"));
+        QCOMPARE(listed[0].scale, 2.0);
+        QCOMPARE(listed[0].quartzBounds, DesktopRect(0, 0, 1440, 900));
+        QVERIFY(!listed[1].displayId);
     }
 
     void localePicks_data() {

@@ -77,6 +77,7 @@ std::vector<PlatformScreen> MacDisplayApi::screens() {
         }
         entry.frame = fromNSRect(screen.frame);
         entry.visibleFrame = fromNSRect(screen.visibleFrame);
+        entry.backingScaleFactor = screen.backingScaleFactor;
         if (@available(macOS 10.15, *)) {
             entry.localizedName = QString::fromNSString(screen.localizedName);
         }
