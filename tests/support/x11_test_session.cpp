@@ -3,8 +3,10 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QThread>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <sys/prctl.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
@@ -60,6 +62,9 @@ QProcess* X11TestSession::launch(const QString& program, const QStringList& argu
     process->setProcessEnvironment(environment());
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->setStandardOutputFile(QProcess::nullDevice());
+    // The server, window manager and clients must not outlive a test that dies without running
+    // its destructors (a crash, a sanitizer report): they would hold the test's output open.
+    process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     process->start(program, arguments);
     QProcess* raw = process.get();
     processes_.push_back(std::move(process));

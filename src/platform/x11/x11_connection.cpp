@@ -81,7 +81,9 @@ std::vector<std::uint32_t> X11Connection::cardinals(xcb_window_t window, const c
                                                     xcb_atom_t type) {
     const QByteArray bytes = rawProperty(window, atom(property), type);
     std::vector<std::uint32_t> values(static_cast<size_t>(bytes.size()) / 4);
-    std::memcpy(values.data(), bytes.constData(), values.size() * 4);
+    if (!values.empty()) { // memcpy from or to a null pointer is undefined even for zero bytes
+        std::memcpy(values.data(), bytes.constData(), values.size() * 4);
+    }
     return values;
 }
 
