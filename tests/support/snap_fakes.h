@@ -1,0 +1,218 @@
+#pragma once
+
+// In-memory stand-ins for the desktop the snap controller works on: screens, windows, the overlay
+// and the event tap. Shared by the controller tests and the drag benchmark.
+
+#include "app/display_services.h"
+#include "app/event_tap_manager.h"
+#include "app/screen_diagnostics.h"
+#include "app/snap_overlay.h"
+#include "app/window_service.h"
+#include "core/snap_diagnostic_formatter.h"
+
+#include <QList>
+#include <QStringList>
+#include <QTest>
+#include <memory>
+#include <vector>
+
+namespace paneforge {
+// Readable rectangles in QCOMPARE failures.
+inline char* toString(const DesktopRect& rect) {
+    return qstrdup(SnapDiagnosticFormatter::formatRect(rect).toUtf8().constData());
+}
+} // namespace paneforge
+
+namespace fakes {
+
+using namespace paneforge;
+
+// Screens, display identities and the pointer in one place.
+class Desk final : public ScreenListing, public DisplayService, public DisplayFrameService {
+public:
+    std::vector<ScreenInfo> screenList;
+    DesktopPoint pointer;
+
+    void addScreen(DisplayId id, const DesktopRect& frame, const DesktopRect& visibleFrame) {
+        ScreenInfo info;
+        info.name = QStringLiteral("Screen %1").arg(id);
+        info.displayId = id;
+        info.frame = frame;
+        info.visibleFrame = visibleFrame;
+        info.quartzBounds = frame;
+        screenList.push_back(info);
+    }
+    // The stable id the desk reports for a display number.
+    static DisplayIdentifier identifierFor(DisplayId id) {
+        return DisplayIdentifier(0x1000 + id, 0x2000 + id, std::int64_t{id});
+    }
+
+    std::vector<ScreenInfo> screens() const override { return screenList; }
+
+    std::vector<DisplayId> getActiveDisplays() override {
+        std::vector<DisplayId> ids;
+        for (const auto& screen : screenList) {
+            ids.push_back(*screen.displayId);
+        }
+        return ids;
+    }
+    DisplayIdentifier getIdentifier(DisplayId id) override { return identifierFor(id); }
+    std::optional<QString> getDisplayName(DisplayId) override { return std::nullopt; }
+    QString getDisplayTitle(DisplayId id) override { return QString::number(id); }
+    std::vector<QString> getDisplaySummaries() override { return {}; }
+
+    const ScreenInfo* find(DisplayId id) const {
+        for (const auto& screen : screenList) {
+            if (screen.displayId == id) {
+                return &screen;
+            }
+        }
+        return nullptr;
+    }
+    std::optional<DesktopRect> getFrame(DisplayId id) override {
+        const auto* screen = find(id);
+        return screen ? std::optional(screen->frame) : std::nullopt;
+    }
+    std::optional<DesktopRect> getVisibleFrame(DisplayId id) override {
+        const auto* screen = find(id);
+        return screen ? std::optional(screen->visibleFrame) : std::nullopt;
+    }
+    std::optional<DisplayId> getDisplayId(DesktopPoint point) override {
+        for (const auto& screen : screenList) {
+            if (screen.frame.contains(point)) {
+                return screen.displayId;
+            }
+        }
+        return std::nullopt;
+    }
+    DesktopPoint pointerLocation() override { return pointer; }
+    double primaryMaxY() override {
+        return screenList.empty() ? 0.0 : screenList.front().frame.maxY();
+    }
+};
+
+struct Window final : WindowElement {
+    Window(int id, DesktopRect frame, QString role = QStringLiteral("AXWindow"))
+        : id(id)
+        , frame(frame)
+        , role(std::move(role)) {}
+    int id;
+    DesktopRect frame;
+    QString role;
+};
+
+// Windows stacked front to back; setFrame moves them at once and is recorded.
+class Windows final : public WindowService {
+public:
+    struct SetFrameCall {
+        int windowId;
+        DesktopRect frame;
+    };
+    std::vector<std::shared_ptr<Window>> stack;
+    std::vector<SetFrameCall> setFrameCalls;
+
+    std::shared_ptr<Window> add(int id, const DesktopRect& frame) {
+        auto window = std::make_shared<Window>(id, frame);
+        stack.push_back(window);
+        return window;
+    }
+
+    bool isTrusted() override { return true; }
+    void requestTrustPrompt() override {}
+    WindowRef windowUnderPoint(DesktopPoint point) override {
+        for (const auto& window : stack) {
+            if (window->frame.contains(point)) {
+                return window;
+            }
+        }
+        return nullptr;
+    }
+    WindowRef focusedWindow() override { return stack.empty() ? nullptr : stack.front(); }
+    std::optional<DesktopRect> frame(const WindowRef& window) override {
+        return window ? std::optional(as(window).frame) : std::nullopt;
+    }
+    std::optional<QString> role(const WindowRef& window) override {
+        return window ? std::optional(as(window).role) : std::nullopt;
+    }
+    void setFrame(const WindowRef& window, const DesktopRect& frame) override {
+        auto& target = const_cast<Window&>(as(window));
+        target.frame = frame;
+        setFrameCalls.push_back({target.id, frame});
+    }
+    QString describeWindow(const WindowRef& window) override {
+        return QStringLiteral("window %1 cocoaFrame=%2")
+            .arg(as(window).id)
+            .arg(SnapDiagnosticFormatter::formatRect(as(window).frame));
+    }
+    bool sameWindow(const WindowRef& a, const WindowRef& b) override { return a == b; }
+
+private:
+    static const Window& as(const WindowRef& window) { return static_cast<const Window&>(*window); }
+};
+
+// What one overlay window went through; outlives the window so closed ones can be inspected.
+struct OverlayRecord {
+    DesktopRect frame;
+    bool visible = false;
+    bool closed = false;
+    int updates = 0;
+    QList<DesktopRect> cellFrames;
+    QList<DesktopRect> selectionFrames;
+};
+
+class Overlays final : public SnapOverlayFactory {
+public:
+    std::vector<std::shared_ptr<OverlayRecord>> built;
+
+    std::unique_ptr<SnapOverlay> makeOverlay(const DesktopRect& visibleFrame) override {
+        auto record = std::make_shared<OverlayRecord>();
+        record->frame = visibleFrame;
+        built.push_back(record);
+        return std::make_unique<Overlay>(record);
+    }
+    const OverlayRecord& last() const { return *built.back(); }
+
+private:
+    class Overlay final : public SnapOverlay {
+    public:
+        explicit Overlay(std::shared_ptr<OverlayRecord> record)
+            : record_(std::move(record)) {}
+        ~Overlay() override {
+            record_->closed = true;
+            record_->visible = false;
+        }
+        DesktopRect frame() const override { return record_->frame; }
+        void orderFront() override { record_->visible = true; }
+        void orderOut() override { record_->visible = false; }
+        void update(const std::optional<GridDefinition>&, const QList<DesktopRect>& cellFrames,
+                    const QList<DesktopRect>& selectionFrames) override {
+            ++record_->updates;
+            record_->cellFrames = cellFrames;
+            record_->selectionFrames = selectionFrames;
+        }
+
+    private:
+        std::shared_ptr<OverlayRecord> record_;
+    };
+};
+
+// An event tap that installs at once and keeps the handler it was given.
+class EventTaps final : public EventTapApi {
+public:
+    int creations = 0;
+    InputEventHandler handler;
+
+    bool preflightListenEventAccess() override { return true; }
+    bool requestListenEventAccess() override { return true; }
+    std::unique_ptr<EventTapHandle> createTap(std::uint64_t, InputEventHandler h) override {
+        ++creations;
+        handler = std::move(h);
+        return std::make_unique<EventTapHandle>();
+    }
+    bool addRunLoopSource(EventTapHandle&) override { return true; }
+    void removeRunLoopSource(EventTapHandle&) override {}
+    void enableTap(EventTapHandle&) override {}
+    void systemLog(const QString&) override {}
+};
+
+} // namespace fakes
