@@ -25,6 +25,7 @@ X11Connection::X11Connection() {
         xcb_screen_next(&iterator);
     }
     screen_ = iterator.data;
+    screenNumber_ = screenNumber;
     root_ = screen_ ? screen_->root : xcb_window_t{XCB_NONE};
 }
 

@@ -24,6 +24,7 @@ public:
     bool isValid() const { return connection_ != nullptr; }
     xcb_connection_t* raw() const { return connection_; }
     xcb_window_t root() const { return root_; }
+    int screenNumber() const { return screenNumber_; }
     int rootWidth() const;
     int rootHeight() const;
 
@@ -48,6 +49,7 @@ private:
     xcb_connection_t* connection_ = nullptr;
     xcb_window_t root_ = XCB_NONE;
     xcb_screen_t* screen_ = nullptr;
+    int screenNumber_ = 0;
     QHash<QByteArray, xcb_atom_t> atoms_;
 };
 

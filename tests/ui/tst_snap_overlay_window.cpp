@@ -1,0 +1,131 @@
+#include "ui/snap_overlay_window.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QTest>
+
+using namespace paneforge;
+
+namespace {
+
+const QRectF kPrimary(0, 0, 400, 300);
+// The lower 200 points of the primary screen, as two zones of 100 x 200 and a gap.
+const DesktopRect kVisible(0, 0, 200, 200);
+const QList<DesktopRect> kCells{DesktopRect(0, 0, 100, 200), DesktopRect(100, 0, 100, 200)};
+
+SnapOverlayEnvironment environment(bool translucent) {
+    return SnapOverlayEnvironment{[] { return kPrimary; }, [translucent] { return translucent; },
+                                  nullptr};
+}
+
+QImage render(SnapOverlayView& view) {
+    QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    return image;
+}
+
+} // namespace
+
+class SnapOverlayWindowTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void coversTheVisibleFrame();
+    void rendersOutlinesAndFill();
+    void emptySelectionShowsOnlyOutlines();
+    void neverTakesFocusOrInput();
+    void shapedWithoutCompositor();
+    void nativeHookRunsWhenShown();
+};
+
+void SnapOverlayWindowTest::coversTheVisibleFrame() {
+    SnapOverlayWindow overlay(kVisible, environment(true));
+    QCOMPARE(overlay.frame(), kVisible);
+    QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
+    overlay.orderFront();
+    QVERIFY(overlay.overlayView().isVisible());
+    overlay.orderOut();
+    QVERIFY(!overlay.overlayView().isVisible());
+}
+
+void SnapOverlayWindowTest::rendersOutlinesAndFill() {
+    SnapOverlayWindow overlay(kVisible, environment(true));
+    overlay.orderFront();
+    const GridDefinition grid(QStringLiteral("g"), QStringLiteral("Halves"), {0.5}, {});
+    overlay.update(grid, kCells, {kCells[1]});
+    QCOMPARE(overlay.grid(), std::optional(grid));
+    const QImage image = render(overlay.overlayView());
+    // The left zone's edge pixels: white at alpha 0.22.
+    const QColor edge = image.pixelColor(0, 50);
+    QVERIFY2(edge.alpha() > 40 && edge.alpha() < 80, qPrintable(edge.name(QColor::HexArgb)));
+    QVERIFY(edge.red() > 200 && edge.green() > 200 && edge.blue() > 200);
+    QCOMPARE(image.pixelColor(99, 50).alpha(), edge.alpha());
+    QCOMPARE(image.pixelColor(50, 0).alpha(), edge.alpha());
+    // Inside the unchosen zone: nothing at all.
+    QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
+    // Inside the chosen zone: the accent colour at half alpha.
+    const QColor fill = image.pixelColor(150, 50);
+    QVERIFY2(fill.alpha() > 110 && fill.alpha() < 150, qPrintable(fill.name(QColor::HexArgb)));
+    const QColor accent = SnapOverlayView::accentColor(overlay.overlayView().palette());
+    QCOMPARE(fill.toRgb().hue() / 10, accent.toRgb().hue() / 10);
+}
+
+void SnapOverlayWindowTest::emptySelectionShowsOnlyOutlines() {
+    SnapOverlayWindow overlay(kVisible, environment(true));
+    overlay.orderFront();
+    overlay.update(std::nullopt, kCells, {});
+    const QImage image = render(overlay.overlayView());
+    QVERIFY(image.pixelColor(100, 50).alpha() > 0);
+    QCOMPARE(image.pixelColor(150, 50).alpha(), 0);
+    QCOMPARE(image.pixelColor(50, 100).alpha(), 0);
+}
+
+void SnapOverlayWindowTest::neverTakesFocusOrInput() {
+    SnapOverlayWindow overlay(kVisible, environment(true));
+    const Qt::WindowFlags flags = overlay.overlayView().windowFlags();
+    QVERIFY(flags.testFlag(Qt::WindowTransparentForInput));
+    QVERIFY(flags.testFlag(Qt::WindowDoesNotAcceptFocus));
+    QVERIFY(flags.testFlag(Qt::X11BypassWindowManagerHint));
+    QVERIFY(flags.testFlag(Qt::FramelessWindowHint));
+    QVERIFY(flags.testFlag(Qt::WindowStaysOnTopHint));
+    QVERIFY(overlay.overlayView().testAttribute(Qt::WA_ShowWithoutActivating));
+    QVERIFY(overlay.overlayView().testAttribute(Qt::WA_TranslucentBackground));
+    overlay.orderFront();
+    QVERIFY(!overlay.overlayView().isActiveWindow());
+}
+
+void SnapOverlayWindowTest::shapedWithoutCompositor() {
+    SnapOverlayWindow translucent(kVisible, environment(true));
+    translucent.update(std::nullopt, kCells, {kCells[1]});
+    QVERIFY(!translucent.isShaped());
+    QVERIFY(translucent.overlayView().mask().isEmpty());
+
+    SnapOverlayWindow shaped(kVisible, environment(false));
+    QVERIFY(shaped.isShaped());
+    shaped.update(std::nullopt, kCells, {kCells[1]});
+    const QRegion mask = shaped.overlayView().mask();
+    QVERIFY(mask.contains(QPoint(0, 50)));
+    QVERIFY(!mask.contains(QPoint(50, 50)));
+    QVERIFY(mask.contains(QPoint(150, 50)));
+    // With nothing chosen the window stays see-through inside every zone.
+    shaped.update(std::nullopt, kCells, {});
+    QVERIFY(!shaped.overlayView().mask().contains(QPoint(150, 50)));
+}
+
+void SnapOverlayWindowTest::nativeHookRunsWhenShown() {
+    int calls = 0;
+    SnapOverlayEnvironment env = environment(true);
+    env.configureNativeWindow = [&calls](QWidget& widget) {
+        QVERIFY(widget.isVisible());
+        ++calls;
+    };
+    SnapOverlayWindow overlay(kVisible, env);
+    QCOMPARE(calls, 0);
+    overlay.orderFront();
+    overlay.orderOut();
+    overlay.orderFront();
+    QCOMPARE(calls, 2);
+}
+
+QTEST_MAIN(SnapOverlayWindowTest)
+#include "tst_snap_overlay_window.moc"
