@@ -9,6 +9,13 @@
 
 using namespace paneforge;
 
+namespace paneforge {
+// Readable rectangles in QCOMPARE failures.
+char* toString(const DesktopRect& rect) {
+    return qstrdup(SnapDiagnosticFormatter::formatRect(rect).toUtf8().constData());
+}
+} // namespace paneforge
+
 namespace {
 
 constexpr std::uint32_t kCommand = ModifierMapper::kCommandFlag;

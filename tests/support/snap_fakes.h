@@ -12,16 +12,9 @@
 
 #include <QList>
 #include <QStringList>
-#include <QTest>
+#include <functional>
 #include <memory>
 #include <vector>
-
-namespace paneforge {
-// Readable rectangles in QCOMPARE failures.
-inline char* toString(const DesktopRect& rect) {
-    return qstrdup(SnapDiagnosticFormatter::formatRect(rect).toUtf8().constData());
-}
-} // namespace paneforge
 
 namespace fakes {
 
@@ -56,7 +49,8 @@ public:
         }
         return ids;
     }
-    DisplayIdentifier getIdentifier(DisplayId id) override { return identifierFor(id); }
+    std::function<DisplayIdentifier(DisplayId)> identify = &identifierFor;
+    DisplayIdentifier getIdentifier(DisplayId id) override { return identify(id); }
     std::optional<QString> getDisplayName(DisplayId) override { return std::nullopt; }
     QString getDisplayTitle(DisplayId id) override { return QString::number(id); }
     std::vector<QString> getDisplaySummaries() override { return {}; }
