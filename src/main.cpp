@@ -1,22 +1,179 @@
+#include "app/event_tap_manager.h"
+#include "app/notification_center.h"
+#include "app/qt_scheduler.h"
+#include "app/screen_diagnostics.h"
+#include "app/snap_controller.h"
 #include "cli/cli.h"
+#include "core/config_store.h"
+#include "core/file_logger.h"
+#include "core/logger_factory.h"
+#include "ui/snap_overlay_window.h"
+#include "ui/status_item_controller.h"
 
+#include <QApplication>
 #include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QScreen>
 #include <QTextStream>
 #include <cstdio>
+#include <memory>
 
-// Composition root. With arguments the executable runs a headless command; the agent is wired in
-// here as it lands.
+#if defined(PANEFORGE_PLATFORM_X11)
+#include "platform/x11/x11_compositor.h"
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_display_services.h"
+#include "platform/x11/x11_event_tap_api.h"
+#include "platform/x11/x11_window_service.h"
+#elif defined(Q_OS_MACOS)
+#include "app/accessibility_service.h"
+#include "app/mac_display_service.h"
+#include "platform/macos/mac_accessibility_api.h"
+#include "platform/macos/mac_display_api.h"
+#include "platform/macos/mac_event_tap_api.h"
+#include "platform/macos/mac_overlay_window.h"
+#endif
+
+namespace paneforge {
+namespace {
+
+void fileLog(const QString& line) {
+    FileLogger::shared().log(line);
+}
+
+// The native services of the platform the agent runs on, behind the app layer's interfaces.
+struct PlatformServices {
+    DisplayService* displays = nullptr;
+    DisplayFrameService* displayFrames = nullptr;
+    ScreenListing* screens = nullptr;
+    WindowService* windows = nullptr;
+    EventTapApi* eventTaps = nullptr;
+    SnapOverlayEnvironment overlay;
+};
+
+#if defined(PANEFORGE_PLATFORM_X11)
+class Platform {
+public:
+    explicit Platform(Scheduler& scheduler)
+        : displays_(connection_)
+        , windows_(connection_, scheduler, fileLog) {}
+
+    bool isAvailable() const { return connection_.isValid(); }
+    QString unavailableReason() const {
+        return QStringLiteral("cannot connect to the X server; Paneforge needs an X11 session "
+                              "(is DISPLAY set?)");
+    }
+    PlatformServices services() {
+        PlatformServices s{&displays_, &displays_, &displays_, &windows_, &eventTaps_, {}};
+        s.overlay.translucencyAvailable = [this] { return hasCompositingManager(connection_); };
+        return s;
+    }
+
+private:
+    X11Connection connection_;
+    X11DisplayServices displays_;
+    X11WindowService windows_;
+    X11EventTapApi eventTaps_;
+};
+#elif defined(Q_OS_MACOS)
+class Platform {
+public:
+    explicit Platform(Scheduler&)
+        : accessibility_(accessibilityApi_, fileLog)
+        , displays_(displayApi_, LoggerFactory::makeLogger(QStringLiteral("DisplayService"))) {}
+
+    bool isAvailable() const { return true; }
+    QString unavailableReason() const { return {}; }
+    PlatformServices services() {
+        PlatformServices s{&displays_, &displays_, &displays_, &accessibility_, &eventTaps_, {}};
+        s.overlay.configureNativeWindow = [](QWidget& widget) {
+            configureOverlayNativeWindow(static_cast<quintptr>(widget.winId()));
+        };
+        return s;
+    }
+
+private:
+    MacAccessibilityApi accessibilityApi_;
+    AccessibilityService accessibility_;
+    MacDisplayApi displayApi_;
+    MacDisplayService displays_;
+    MacEventTapApi eventTaps_;
+};
+#endif
+
+std::optional<QString> keyWindowTitle() {
+    if (const QWidget* window = QApplication::activeWindow()) {
+        return window->windowTitle();
+    }
+    return std::nullopt;
+}
+
+int runAgent(int argc, char** argv) {
+    QElapsedTimer startup;
+    startup.start();
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Paneforge"));
+    QApplication::setApplicationVersion(QStringLiteral(PANEFORGE_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+    const Logger logger = LoggerFactory::makeLogger(QStringLiteral("Agent"));
+
+    QtScheduler scheduler;
+    Platform platform(scheduler);
+    if (!platform.isAvailable()) {
+        logger.error(platform.unavailableReason());
+        return 1;
+    }
+    PlatformServices services = platform.services();
+    services.overlay.primaryScreenGeometry = [] {
+        const QScreen* primary = QGuiApplication::primaryScreen();
+        return primary ? QRectF(primary->geometry()) : QRectF();
+    };
+
+    NotificationCenter notifications;
+    ConfigStore configStore(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
+                            defaultConfigDirectoryProvider());
+    EventTapManager eventTapManager(*services.eventTaps, scheduler, notifications);
+    QtSnapOverlayFactory overlays(services.overlay);
+
+    fileLog(QStringLiteral("Paneforge ") + QStringLiteral(PANEFORGE_VERSION) +
+            QStringLiteral(" starting"));
+    ScreenDiagnostics(*services.screens, fileLog).logTopology(QStringLiteral("startup"));
+
+    SnapController snapController(SnapControllerServices{
+        configStore, *services.displays, *services.displayFrames, *services.screens,
+        *services.windows, eventTapManager, overlays, scheduler, keyWindowTitle, fileLog});
+    snapController.start();
+
+    StatusItemController statusItem(LoggerFactory::makeLogger(QStringLiteral("StatusItem")));
+    statusItem.setOnQuit([] { QApplication::quit(); });
+    const bool trayShown = statusItem.configureStatusItem();
+
+    logger.info(QStringLiteral("ready in %1 ms (tray %2, event tap %3)")
+                    .arg(startup.elapsed())
+                    .arg(trayShown ? QStringLiteral("shown") : QStringLiteral("unavailable"))
+                    .arg(eventTapManager.isTapInstalled() ? QStringLiteral("installed")
+                                                          : QStringLiteral("waiting")));
+    const int status = QApplication::exec();
+    FileLogger::shared().flush();
+    return status;
+}
+
+} // namespace
+} // namespace paneforge
+
+// Composition root. With arguments the executable runs a headless command; without, it is the
+// snapping agent.
 int main(int argc, char** argv) {
+    QStringList args;
+    for (int i = 1; i < argc; ++i) {
+        args << QString::fromLocal8Bit(argv[i]);
+    }
+    if (!paneforge::isCliInvocation(args)) {
+        return paneforge::runAgent(argc, argv);
+    }
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Paneforge"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PANEFORGE_VERSION));
-
-    const QStringList args = QCoreApplication::arguments().mid(1);
     QTextStream out(stdout);
     QTextStream err(stderr);
-    if (paneforge::isCliInvocation(args)) {
-        return paneforge::runCli(args, out, err);
-    }
-    err << "paneforge: the snapping agent is not available in this build yet; see --help\n";
-    return 1;
+    return paneforge::runCli(QCoreApplication::arguments().mid(1), out, err);
 }

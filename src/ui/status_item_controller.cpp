@@ -49,11 +49,11 @@ bool StatusItemController::configureStatusItem() {
     statusItem_.show();
     const bool available = QSystemTrayIcon::isSystemTrayAvailable();
     if (available) {
-        logger_.info(QStringLiteral("StatusItem: icon shown"));
+        logger_.info(QStringLiteral("icon shown"));
     } else {
-        logger_.notice(QStringLiteral(
-            "StatusItem: no system tray is running, so the icon could not be shown; snapping "
-            "works without it, and the icon appears when a tray starts"));
+        logger_.notice(
+            QStringLiteral("no system tray is running, so the icon could not be shown; snapping "
+                           "works without it, and the icon appears when a tray starts"));
     }
     return available;
 }
