@@ -148,7 +148,52 @@ bool X11TestSession::start(QString* error) {
             return false;
         }
     }
+    if (options_.compositor) {
+        QProcess* compositor = launch(QStringLiteral("xcompmgr"), {});
+        if (!compositor->waitForStarted(5000) ||
+            !waitUntil([&] { return selectionOwned("_NET_WM_CM_S0"); })) {
+            *error = QStringLiteral("xcompmgr did not take the compositing selection");
+            return false;
+        }
+    }
+    if (options_.trayHost) {
+        QProcess* tray = launch(QStringLiteral("trayer"),
+                                {QStringLiteral("--edge"), QStringLiteral("bottom"),
+                                 QStringLiteral("--align"), QStringLiteral("right"),
+                                 QStringLiteral("--widthtype"), QStringLiteral("request")});
+        if (!tray->waitForStarted(5000) ||
+            !waitUntil([&] { return selectionOwned("_NET_SYSTEM_TRAY_S0"); })) {
+            *error = QStringLiteral("trayer did not take the system tray selection");
+            return false;
+        }
+    }
     return true;
+}
+
+bool X11TestSession::selectionOwned(const char* selection) const {
+    if (!connection_) {
+        return false;
+    }
+    xcb_connection_t* c = connection_->c;
+    auto* reply = xcb_get_selection_owner_reply(
+        c, xcb_get_selection_owner(c, internAtom(c, selection)), nullptr);
+    const bool owned = reply && reply->owner != XCB_NONE;
+    std::free(reply);
+    return owned;
+}
+
+QProcess* X11TestSession::startProcess(const QString& program, const QStringList& arguments,
+                                       const QProcessEnvironment& extra) {
+    auto process = std::make_unique<QProcess>();
+    QProcessEnvironment env = environment();
+    env.insert(extra);
+    process->setProcessEnvironment(env);
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    process->start(program, arguments);
+    QProcess* raw = process.get();
+    processes_.push_back(std::move(process));
+    return raw;
 }
 
 std::vector<std::uint32_t> X11TestSession::rootCardinals(const char* property) const {

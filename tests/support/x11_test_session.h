@@ -20,6 +20,8 @@ public:
         int height = 1080;
         bool twoMonitors = false; // LEFT and RIGHT halves, side by side
         bool windowManager = true;
+        bool compositor = false; // xcompmgr, owner of _NET_WM_CM_S0
+        bool trayHost = false;   // trayer, owner of _NET_SYSTEM_TRAY_S0
     };
 
     explicit X11TestSession(Options options);
@@ -33,6 +35,12 @@ public:
     // Starts a client and waits until the window manager lists a new client window; returns it.
     std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
                                              QString* error);
+    // Starts a long-running program in the session (with extra environment entries); it is
+    // stopped with the session. Its standard error is kept for the caller to read.
+    QProcess* startProcess(const QString& program, const QStringList& arguments,
+                           const QProcessEnvironment& extra = {});
+    // Whether some client owns the named selection, e.g. "_NET_WM_CM_S0".
+    bool selectionOwned(const char* selection) const;
     // Runs a short command (xdotool, xrandr, ...) to its end; true when it exits with status 0.
     bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
 

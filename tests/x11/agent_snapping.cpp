@@ -1,0 +1,325 @@
+// The real agent under Xvfb and openbox: windows dragged by their title bar with xdotool, a snap
+// combination pressed mid-drag, and the window's outer frame checked where it lands. Built three
+// times: one monitor without a compositor or tray, one with both, and two monitors.
+
+#include "app/manual_scheduler.h"
+#include "core/config_store.h"
+#include "platform/x11/x11_display_services.h"
+#include "platform/x11/x11_window_service.h"
+#include "x11_test_session.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cmath>
+
+using namespace paneforge;
+
+namespace {
+
+#if defined(AGENT_TEST_TWO_MONITORS)
+constexpr bool kTwoMonitors = true;
+#else
+constexpr bool kTwoMonitors = false;
+#endif
+#if defined(AGENT_TEST_COMPOSITED)
+constexpr bool kComposited = true;
+#else
+constexpr bool kComposited = false;
+#endif
+constexpr int kScreenHeight = 1080;
+
+// A root-space rectangle (top-left origin) in desktop space.
+DesktopRect fromRoot(double x, double y, double width, double height) {
+    return DesktopRect(x, kScreenHeight - y - height, width, height);
+}
+
+bool near(const DesktopRect& a, const DesktopRect& b) {
+    return std::abs(a.minX() - b.minX()) <= 1 && std::abs(a.minY() - b.minY()) <= 1 &&
+           std::abs(a.width() - b.width()) <= 1 && std::abs(a.height() - b.height()) <= 1;
+}
+
+QString describe(const std::optional<DesktopRect>& rect) {
+    return rect ? QStringLiteral("(%1,%2 %3x%4)")
+                      .arg(rect->minX())
+                      .arg(rect->minY())
+                      .arg(rect->width())
+                      .arg(rect->height())
+                : QStringLiteral("none");
+}
+
+} // namespace
+
+class AgentSnappingTest : public QObject {
+    Q_OBJECT
+
+public:
+    explicit AgentSnappingTest(X11TestSession& session)
+        : session_(session) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void singleSnapPressedMidDrag();
+    void multiSnapTakesTheBoundingBox();
+    void releasingTheCombinationRestores();
+    void eachMonitorSnapsToItsOwnLayout();
+    void cleanupTestCase();
+
+private:
+    QString logText() const {
+        QFile file(home_.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+    // Waits until the diagnostic log holds `line` more often than it did at `before`.
+    bool waitForLog(const QString& line, int before) const {
+        return X11TestSession::waitUntil([&] { return logText().count(line) > before; });
+    }
+    int logCount(const QString& line) const { return logText().count(line); }
+
+    void saveConfig(const PaneforgeConfig& config) {
+        ConfigStore(LoggerFactory::makeLogger(QStringLiteral("Test")), [this] {
+            return home_.filePath(QStringLiteral("config"));
+        }).saveConfig(config);
+    }
+    bool xdotool(const QStringList& arguments) {
+        return session_.run(QStringLiteral("xdotool"), arguments);
+    }
+    QPoint pointer() {
+        QString output;
+        session_.run(QStringLiteral("xdotool"), {QStringLiteral("getmouselocation")}, &output);
+        // "x:123 y:456 screen:0 window:789"
+        const QStringList parts = output.split(QLatin1Char(' '));
+        return QPoint(parts.value(0).mid(2).toInt(), parts.value(1).mid(2).toInt());
+    }
+    // Relative moves: only they produce the raw motion the agent listens to under Xvfb.
+    bool moveTo(QPoint root) {
+        const QPoint delta = root - pointer();
+        return xdotool({QStringLiteral("mousemove_relative"), QStringLiteral("--"),
+                        QString::number(delta.x()), QString::number(delta.y())});
+    }
+    // Presses the left button on the window's title bar, moves a little so the window manager
+    // starts moving it, and presses `keys` once the agent saw the drag start.
+    bool grabTitleBarAndPress(const QString& keys, const QString& expectedMatch);
+    void releaseButtonAndKeys(const QString& keys);
+    std::optional<DesktopRect> frame() { return windows_.frame(X11WindowService::wrap(logo_)); }
+    bool waitForFrame(const DesktopRect& expected) {
+        return X11TestSession::waitUntil([&] {
+            const auto current = frame();
+            return current && near(*current, expected);
+        });
+    }
+
+    X11TestSession& session_;
+    QTemporaryDir home_;
+    X11Connection connection_;
+    X11DisplayServices displays_{connection_};
+    ManualScheduler scheduler_;
+    X11WindowService windows_{connection_, scheduler_, [](const QString&) {}};
+    QProcess* agent_ = nullptr;
+    std::uint32_t logo_ = 0;
+};
+
+bool AgentSnappingTest::grabTitleBarAndPress(const QString& keys, const QString& expectedMatch) {
+    const auto current = frame();
+    if (!current) {
+        return false;
+    }
+    // A point on the title bar: the frame's top edge, a few pixels down, halfway across.
+    const QPoint grab(static_cast<int>(current->midX()),
+                      static_cast<int>(kScreenHeight - current->maxY()) + 8);
+    const int before = logCount(expectedMatch);
+    return xdotool({QStringLiteral("mousemove"), QString::number(grab.x()),
+                    QString::number(grab.y())}) &&
+           xdotool({QStringLiteral("mousedown"), QStringLiteral("1")}) &&
+           xdotool({QStringLiteral("mousemove_relative"), QStringLiteral("--"), QStringLiteral("4"),
+                    QStringLiteral("4")}) &&
+           xdotool({QStringLiteral("keydown"), keys}) && waitForLog(expectedMatch, before);
+}
+
+void AgentSnappingTest::releaseButtonAndKeys(const QString& keys) {
+    const int before = logCount(QStringLiteral("SnapController.snapAndHide window "));
+    const int framesBefore = logCount(QStringLiteral("X11WindowService.setFrame "));
+    QVERIFY(xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}));
+    QVERIFY2(waitForLog(QStringLiteral("SnapController.snapAndHide window "), before),
+             qPrintable(logText()));
+    QVERIFY(xdotool({QStringLiteral("keyup"), keys}));
+    // The frame is set, then set twice more shortly after; let all three land.
+    QVERIFY2(X11TestSession::waitUntil([&] {
+                 return logCount(QStringLiteral("X11WindowService.setFrame ")) >= framesBefore + 3;
+             }),
+             qPrintable(logText()));
+}
+
+void AgentSnappingTest::initTestCase() {
+    QVERIFY(home_.isValid());
+    QVERIFY(connection_.isValid());
+    if (kTwoMonitors) {
+        QVERIFY(X11TestSession::waitUntil(
+            [this] { return displays_.getActiveDisplays().size() == 2; }));
+    }
+    // 2 x 2 with 10-point margins everywhere; per-monitor layouts for the two-monitor run.
+    const GridDefinition quarters(QStringLiteral("quarters"), QStringLiteral("Quarters"), {0.5},
+                                  {0.5});
+    DisplayLayoutsMap displays;
+    if (kTwoMonitors) {
+        const GridDefinition columns(QStringLiteral("columns"), QStringLiteral("Columns"), {0.5},
+                                     {});
+        const GridDefinition rows(QStringLiteral("rows"), QStringLiteral("Rows"), {}, {0.5});
+        const auto left = displays_.getDisplayId({10, 10});
+        const auto right = displays_.getDisplayId({970, 10});
+        QVERIFY(left && right && *left != *right);
+        displays.insert_or_assign(displays_.getIdentifier(*left).stableId(),
+                                  DisplayLayouts(QStringLiteral("columns"), {quarters, columns}));
+        displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
+                                  DisplayLayouts(QStringLiteral("rows"), {rows, quarters}));
+    }
+    saveConfig(
+        PaneforgeConfig::makeDefault().copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0));
+
+    QProcessEnvironment env;
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));
+    env.insert(QStringLiteral("XDG_STATE_HOME"), home_.filePath(QStringLiteral("state")));
+    agent_ = session_.startProcess(QStringLiteral(PANEFORGE_AGENT), {}, env);
+    QVERIFY(agent_->waitForStarted(5000));
+    QString agentOutput;
+    QVERIFY2(X11TestSession::waitUntil(
+                 [&] {
+                     agent_->waitForReadyRead(50);
+                     agentOutput += QString::fromUtf8(agent_->readAllStandardError());
+                     return agentOutput.contains(QStringLiteral("ready in"));
+                 },
+                 std::chrono::seconds(20)),
+             qPrintable(agentOutput));
+    QVERIFY2(agentOutput.contains(QStringLiteral("event tap installed")), qPrintable(agentOutput));
+    // With a tray host the icon is shown; without one the agent says so and runs on.
+    QVERIFY2(agentOutput.contains(kComposited ? QStringLiteral("icon shown")
+                                              : QStringLiteral("no system tray is running")),
+             qPrintable(agentOutput));
+    QVERIFY(logText().contains(QStringLiteral("ScreenDiagnostics.startup count=") +
+                               QString::number(kTwoMonitors ? 2 : 1)));
+
+    QString error;
+    const auto logo = session_.startClient(
+        QStringLiteral("xlogo"), {QStringLiteral("-geometry"), QStringLiteral("300x200+100+150")},
+        &error);
+    QVERIFY2(logo, qPrintable(error));
+    logo_ = *logo;
+    QVERIFY(X11TestSession::waitUntil([this] { return frame().has_value(); }));
+}
+
+void AgentSnappingTest::singleSnapPressedMidDrag() {
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256 "
+                                                 "mode=single")),
+             qPrintable(logText()));
+    // Over the top-right zone: root (965, 10) 945 x 525.
+    QVERIFY(moveTo(QPoint(1400, 300)));
+    QVERIFY(moveTo(QPoint(1402, 302)));
+    releaseButtonAndKeys(QStringLiteral("super"));
+    const DesktopRect expected = fromRoot(965, 10, 945, 525);
+    QVERIFY2(waitForFrame(expected), qPrintable(describe(frame()) + "\n" + logText()));
+}
+
+void AgentSnappingTest::multiSnapTakesTheBoundingBox() {
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super+shift"),
+                                  QStringLiteral("updateOverlayState match modifiers=768 "
+                                                 "mode=multi")),
+             qPrintable(logText()));
+    // Through the top-left and top-right zones, released over the bottom-right one. Motion is
+    // coalesced, so give the agent a moment in each zone.
+    for (const QPoint zone : {QPoint(400, 300), QPoint(1400, 300), QPoint(1400, 800)}) {
+        QVERIFY(moveTo(zone));
+        QTest::qWait(300);
+    }
+    releaseButtonAndKeys(QStringLiteral("super+shift"));
+    QVERIFY(logText().contains(QStringLiteral("selected=3")));
+    QVERIFY2(waitForFrame(fromRoot(10, 10, 1900, 1060)),
+             qPrintable(describe(frame()) + "\n" + logText()));
+}
+
+void AgentSnappingTest::releasingTheCombinationRestores() {
+    // Start from a free-floating frame.
+    QVERIFY(xdotool({QStringLiteral("windowsize"), QString::number(logo_), QStringLiteral("300"),
+                     QStringLiteral("200")}));
+    QVERIFY(xdotool({QStringLiteral("windowmove"), QString::number(logo_), QStringLiteral("200"),
+                     QStringLiteral("200")}));
+    QVERIFY(X11TestSession::waitUntil([this] {
+        const auto current = frame();
+        return current && current->width() < 400 && current->minX() > 150;
+    }));
+
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256 "
+                                                 "mode=single")),
+             qPrintable(logText()));
+    const DesktopRect original = *frame();
+    QVERIFY(moveTo(QPoint(1400, 700)));
+    QTest::qWait(300);
+    const int before = logCount(QStringLiteral("updateOverlayState noMatch modifiers=0"));
+    QVERIFY(xdotool({QStringLiteral("keyup"), QStringLiteral("super")}));
+    QVERIFY(waitForLog(QStringLiteral("updateOverlayState noMatch modifiers=0"), before));
+    // The frame it had when the combination was pressed, position included.
+    QVERIFY2(waitForFrame(original),
+             qPrintable(describe(frame()) + " expected " + describe(original)));
+    QVERIFY(xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}));
+    // Nothing snaps after the combination was let go.
+    QTest::qWait(300);
+    QVERIFY(frame() && frame()->width() < 400);
+}
+
+void AgentSnappingTest::eachMonitorSnapsToItsOwnLayout() {
+    // Left monitor: two columns; its right column is root (480, 0) 480 x 1080.
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256")),
+             qPrintable(logText()));
+    QVERIFY(moveTo(QPoint(700, 500)));
+    QVERIFY(moveTo(QPoint(702, 502)));
+    releaseButtonAndKeys(QStringLiteral("super"));
+    QVERIFY2(waitForFrame(fromRoot(480, 0, 480, 1080)),
+             qPrintable(describe(frame()) + "\n" + logText()));
+    QVERIFY(logText().contains(QStringLiteral("layout=columns")));
+
+    // Right monitor: two rows; its bottom row is root (960, 540) 960 x 540.
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256")),
+             qPrintable(logText()));
+    QVERIFY(moveTo(QPoint(1400, 800)));
+    QVERIFY(moveTo(QPoint(1402, 802)));
+    releaseButtonAndKeys(QStringLiteral("super"));
+    QVERIFY2(waitForFrame(fromRoot(960, 540, 960, 540)),
+             qPrintable(describe(frame()) + "\n" + logText()));
+    QVERIFY(logText().contains(QStringLiteral("layout=rows")));
+}
+
+void AgentSnappingTest::cleanupTestCase() {
+    if (agent_) {
+        // The agent must still be running after every drag.
+        QCOMPARE(agent_->state(), QProcess::Running);
+    }
+}
+
+int main(int argc, char** argv) {
+    X11TestSession::Options options;
+    options.twoMonitors = kTwoMonitors;
+    options.compositor = kComposited;
+    options.trayHost = kComposited;
+    return runWithX11Session(argc, argv, options, [&](X11TestSession& session) {
+        AgentSnappingTest test(session);
+        // Each build runs the cases that fit its desk.
+        QStringList arguments;
+        for (int i = 0; i < argc; ++i) {
+            arguments << QString::fromLocal8Bit(argv[i]);
+        }
+        if (kTwoMonitors) {
+            arguments << QStringLiteral("eachMonitorSnapsToItsOwnLayout");
+        } else {
+            arguments << QStringLiteral("singleSnapPressedMidDrag")
+                      << QStringLiteral("multiSnapTakesTheBoundingBox")
+                      << QStringLiteral("releasingTheCombinationRestores");
+        }
+        return QTest::qExec(&test, arguments);
+    });
+}
+
+#include "agent_snapping.moc"
