@@ -102,6 +102,19 @@ private:
     // starts moving it, and presses `keys` once the agent saw the drag start.
     bool grabTitleBarAndPress(const QString& keys, const QString& expectedMatch);
     void releaseButtonAndKeys(const QString& keys);
+    // The zone overlay, if it is mapped.
+    bool overlayWindow(QString* id) {
+        QString output;
+        const bool found =
+            session_.run(QStringLiteral("xdotool"),
+                         {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                          QStringLiteral("--name"), QStringLiteral("^Paneforge Zones$")},
+                         &output);
+        if (id) {
+            *id = output.section(QLatin1Char('\n'), 0, 0);
+        }
+        return found && !output.trimmed().isEmpty();
+    }
     std::optional<DesktopRect> frame() { return windows_.frame(X11WindowService::wrap(logo_)); }
     bool waitForFrame(const DesktopRect& expected) {
         return X11TestSession::waitUntil([&] {
@@ -213,10 +226,20 @@ void AgentSnappingTest::singleSnapPressedMidDrag() {
                                   QStringLiteral("updateOverlayState match modifiers=256 "
                                                  "mode=single")),
              qPrintable(logText()));
+    // The zones are up, covering the whole screen (there are no panels).
+    QString overlay;
+    QVERIFY(X11TestSession::waitUntil([&] { return overlayWindow(&overlay); }));
+    QString geometry;
+    QVERIFY(session_.run(QStringLiteral("xdotool"),
+                         {QStringLiteral("getwindowgeometry"), overlay.trimmed()}, &geometry));
+    QVERIFY2(geometry.contains(QStringLiteral("Position: 0,0")) &&
+                 geometry.contains(QStringLiteral("Geometry: 1920x1080")),
+             qPrintable(geometry));
     // Over the top-right zone: root (965, 10) 945 x 525.
     QVERIFY(moveTo(QPoint(1400, 300)));
     QVERIFY(moveTo(QPoint(1402, 302)));
     releaseButtonAndKeys(QStringLiteral("super"));
+    QVERIFY(X11TestSession::waitUntil([&] { return !overlayWindow(nullptr); }));
     const DesktopRect expected = fromRoot(965, 10, 945, 525);
     QVERIFY2(waitForFrame(expected), qPrintable(describe(frame()) + "\n" + logText()));
 }
