@@ -18,6 +18,13 @@
 #include <cstdio>
 #include <memory>
 
+#if defined(Q_OS_LINUX)
+#include <QSocketNotifier>
+#include <csignal>
+#include <sys/signalfd.h>
+#include <unistd.h>
+#endif
+
 #if defined(PANEFORGE_PLATFORM_X11)
 #include "platform/x11/x11_compositor.h"
 #include "platform/x11/x11_connection.h"
@@ -100,6 +107,47 @@ private:
 };
 #endif
 
+#if defined(Q_OS_LINUX)
+// Turns SIGTERM and SIGINT (logout, Ctrl+C) into an orderly quit, so the log is flushed. The
+// signals are blocked before any thread starts and read from a signalfd on the event loop.
+class TerminationSignals {
+public:
+    TerminationSignals() {
+        sigemptyset(&signals_);
+        sigaddset(&signals_, SIGTERM);
+        sigaddset(&signals_, SIGINT);
+        pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
+    }
+    ~TerminationSignals() {
+        notifier_.reset();
+        if (fd_ >= 0) {
+            ::close(fd_);
+        }
+    }
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+
+    void quitOnSignal() {
+        fd_ = ::signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK);
+        if (fd_ < 0) {
+            return;
+        }
+        notifier_ = std::make_unique<QSocketNotifier>(fd_, QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
+            signalfd_siginfo info{};
+            while (::read(fd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+            }
+            QApplication::quit();
+        });
+    }
+
+private:
+    sigset_t signals_{};
+    int fd_ = -1;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+#endif
+
 std::optional<QString> keyWindowTitle() {
     if (const QWidget* window = QApplication::activeWindow()) {
         return window->windowTitle();
@@ -110,12 +158,18 @@ std::optional<QString> keyWindowTitle() {
 int runAgent(int argc, char** argv) {
     QElapsedTimer startup;
     startup.start();
+#if defined(Q_OS_LINUX)
+    TerminationSignals terminationSignals;
+#endif
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Paneforge"));
     QApplication::setApplicationVersion(QStringLiteral(PANEFORGE_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
     const Logger logger = LoggerFactory::makeLogger(QStringLiteral("Agent"));
 
+#if defined(Q_OS_LINUX)
+    terminationSignals.quitOnSignal();
+#endif
     QtScheduler scheduler;
     Platform platform(scheduler);
     if (!platform.isAvailable()) {
@@ -153,6 +207,8 @@ int runAgent(int argc, char** argv) {
                     .arg(eventTapManager.isTapInstalled() ? QStringLiteral("installed")
                                                           : QStringLiteral("waiting")));
     const int status = QApplication::exec();
+    logger.info(QStringLiteral("quitting"));
+    fileLog(QStringLiteral("Paneforge quitting"));
     FileLogger::shared().flush();
     return status;
 }

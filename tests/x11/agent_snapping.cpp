@@ -317,8 +317,13 @@ void AgentSnappingTest::eachMonitorSnapsToItsOwnLayout() {
 
 void AgentSnappingTest::cleanupTestCase() {
     if (agent_) {
-        // The agent must still be running after every drag.
+        // The agent must still be running after every drag, and quit cleanly when asked.
         QCOMPARE(agent_->state(), QProcess::Running);
+        agent_->terminate();
+        QVERIFY(agent_->waitForFinished(10000));
+        QCOMPARE(agent_->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(agent_->exitCode(), 0);
+        QVERIFY(logText().contains(QStringLiteral("Paneforge quitting")));
     }
 }
 
