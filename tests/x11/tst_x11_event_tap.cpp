@@ -191,6 +191,31 @@ private Q_SLOTS:
         QCOMPARE(events.size(), count);
     }
 
+    void followsAChangedModifierMapping() {
+        X11EventTapApi api(display_.constData());
+        ManualScheduler scheduler;
+        NotificationCenter center;
+        EventTapManager manager(api, scheduler, center);
+        QList<InputEvent> events;
+        manager.setHandler([&](const InputEvent& event) { events << event; });
+        arm(manager);
+
+        // The left Super key becomes a Control key while the tap runs. The server tells every
+        // client before it delivers the next key, so the press already counts as Control.
+        QVERIFY(session_.run("xmodmap",
+                             {"-e", "remove mod4 = Super_L", "-e", "add control = Super_L"}));
+        QVERIFY(xdotool({"keydown", "Super_L", "keyup", "Super_L"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), QStringList({"flags(0x40000)", "flags(0x0)"}),
+                                  10000);
+        // And back.
+        QVERIFY(session_.run("xmodmap",
+                             {"-e", "remove control = Super_L", "-e", "add mod4 = Super_L"}));
+        QVERIFY(xdotool({"keydown", "Super_L", "keyup", "Super_L"}));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            sequence(events),
+            QStringList({"flags(0x40000)", "flags(0x0)", "flags(0x100000)", "flags(0x0)"}), 10000);
+    }
+
     void handlerMayDropItsOwnTap() {
         X11EventTapApi api(display_.constData());
         ManualScheduler scheduler;

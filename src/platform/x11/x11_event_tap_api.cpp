@@ -104,7 +104,8 @@ public:
             const auto event = adopt(raw);
             const std::uint8_t responseType = event->response_type & 0x7f;
             if (responseType == XCB_MAPPING_NOTIFY) {
-                // Another keyboard, xmodmap or a new layout: modifiers may sit elsewhere now.
+                // Another keyboard, xmodmap or a new layout: modifiers may sit elsewhere now. (The
+                // keys already queued are read with the mapping as it is now.)
                 modifierBits_ = X11ModifierBits::read(connection_);
                 continue;
             }
