@@ -4,7 +4,6 @@
 #include "core/logger_factory.h"
 #include "platform/x11/x11_modifier_bits.h"
 
-#include <QByteArray>
 #include <map>
 #include <memory>
 #include <set>
