@@ -1,13 +1,12 @@
 #include "platform/x11/x11_event_tap_api.h"
 
-#include "core/logger_factory.h"
+#include "core/hotkey_formatter.h"
 #include "platform/x11/x11_desktop_space.h"
 #include "platform/x11/x11_modifier_bits.h"
 
 #include <QSocketNotifier>
 #include <cstdlib>
-#include <memory>
-#include <optional>
+#include <set>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -15,7 +14,7 @@ namespace paneforge {
 
 namespace {
 
-constexpr std::uint32_t kLeftButton = 1;
+constexpr std::uint8_t kLeftButton = 1;
 
 template <typename T> using XcbReply = std::unique_ptr<T, decltype(&std::free)>;
 
@@ -23,71 +22,101 @@ template <typename T> XcbReply<T> adopt(T* reply) {
     return XcbReply<T>(reply, &std::free);
 }
 
-bool wants(std::uint64_t mask, std::uint32_t type) {
-    return type < 64 && (mask & (std::uint64_t{1} << type)) != 0;
-}
-
-class X11EventTap final : public EventTapHandle {
+// Everything one tap owns: its connection, its socket notifier and what it remembers between
+// events. Shared, so that a handler that drops the tap while it runs does not pull the reader out
+// from under the loop that called it; the loop stops once the tap is closed.
+class RawEventReader {
 public:
-    X11EventTap(xcb_connection_t* connection, xcb_window_t root, std::uint8_t xinputOpcode,
-                std::uint64_t eventMask, InputEventHandler handler)
+    RawEventReader(xcb_connection_t* connection, xcb_window_t root, std::uint8_t xinputOpcode,
+                   std::uint64_t mask, InputEventHandler handler, Logger logger)
         : connection_(connection)
         , root_(root)
         , xinputOpcode_(xinputOpcode)
-        , eventMask_(eventMask)
+        , mask_(mask)
         , handler_(std::move(handler))
-        , modifierBits_(X11ModifierBits::read(connection))
-        , notifier_(xcb_get_file_descriptor(connection), QSocketNotifier::Read) {
+        , logger_(std::move(logger))
+        , modifierBits_(X11ModifierBits::read(connection)) {
         // Start from the modifiers held now, so that only real changes are reported.
         if (const auto pointer = queryPointer()) {
-            lastFlags_ = modifierBits_.toEventFlags(pointer->mask);
+            heldBeforeStart_ = static_cast<std::uint8_t>(pointer->mask & 0xff);
         }
-        notifier_.setEnabled(false);
-        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
-                         [this] { processPendingEvents(); });
+        modifiers_ = currentModifiers();
     }
 
-    ~X11EventTap() override {
-        notifier_.setEnabled(false);
+    ~RawEventReader() {
+        notifier_.reset();
         xcb_disconnect(connection_);
     }
 
-    X11EventTap(const X11EventTap&) = delete;
-    X11EventTap& operator=(const X11EventTap&) = delete;
+    RawEventReader(const RawEventReader&) = delete;
+    RawEventReader& operator=(const RawEventReader&) = delete;
 
-    void attach() {
-        notifier_.setEnabled(true);
-        // Replies read while setting up may have queued events already: the socket will not
+    void attach(const std::weak_ptr<RawEventReader>& self) {
+        if (closed_) {
+            return;
+        }
+        if (!notifier_) {
+            notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
+                                                          QSocketNotifier::Read);
+            QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [self] {
+                if (const auto reader = self.lock()) {
+                    reader->processPendingEvents();
+                }
+            });
+        }
+        notifier_->setEnabled(true);
+        // Replies read while setting up may have queued events already; the socket will not
         // signal those again.
         processPendingEvents();
     }
-    void detach() { notifier_.setEnabled(false); }
 
-    void setEnabled(bool enabled) { enabled_ = enabled; }
+    void detach() {
+        if (notifier_) {
+            notifier_->setEnabled(false);
+        }
+    }
 
-    // Reads everything queued on the connection. Motion is coalesced: it is reported once, before
-    // the next button or key event and at the end of the batch.
+    void enable() {
+        enabled_ = true;
+        processPendingEvents();
+    }
+
+    void close() {
+        closed_ = true;
+        detach();
+    }
+
+    // Reads everything queued on the connection. Motion is coalesced: one drag before the next
+    // button or key event and one at the end of the batch.
     void processPendingEvents() {
         bool pendingDrag = false;
-        for (;;) {
+        while (!closed_) {
             auto* raw = xcb_poll_for_event(connection_);
             if (!raw) {
                 flushDrag(pendingDrag);
-                // The query for that drag may have read more events off the socket; the socket
-                // notifier will not signal those again.
+                // The pointer query for that drag may have read more events off the socket; the
+                // socket notifier will not signal those again.
                 raw = xcb_poll_for_queued_event(connection_);
                 if (!raw) {
                     break;
                 }
             }
-            auto event = adopt(raw);
-            if ((event->response_type & 0x7f) != XCB_GE_GENERIC) {
+            const auto event = adopt(raw);
+            const std::uint8_t responseType = event->response_type & 0x7f;
+            if (responseType == XCB_MAPPING_NOTIFY) {
+                // Another keyboard, xmodmap or a new layout: modifiers may sit elsewhere now. (The
+                // keys already queued are read with the mapping as it is now.)
+                modifierBits_ = X11ModifierBits::read(connection_);
+                continue;
+            }
+            if (responseType != XCB_GE_GENERIC) {
                 continue;
             }
             const auto* generic = reinterpret_cast<const xcb_ge_generic_event_t*>(event.get());
             if (generic->extension != xinputOpcode_) {
                 continue;
             }
+            // Every raw event shares this layout; detail is the button or the key code.
             const auto* rawEvent =
                 reinterpret_cast<const xcb_input_raw_button_press_event_t*>(event.get());
             switch (generic->event_type) {
@@ -111,16 +140,16 @@ public:
             case XCB_INPUT_RAW_KEY_PRESS:
             case XCB_INPUT_RAW_KEY_RELEASE:
                 flushDrag(pendingDrag);
-                reportModifierChange();
+                keyChanged(rawEvent->detail, generic->event_type == XCB_INPUT_RAW_KEY_PRESS);
                 break;
             default:
                 break;
             }
         }
-        if (xcb_connection_has_error(connection_) && !reportedConnectionError_) {
-            reportedConnectionError_ = true;
-            LoggerFactory::makeLogger(QStringLiteral("X11EventSource"))
-                .error(QStringLiteral("X11EventSource: connection to the X server lost"));
+        if (!closed_ && xcb_connection_has_error(connection_)) {
+            // A dead connection stays readable: stop listening rather than spin.
+            logger_.error(QStringLiteral("X11EventTapApi: connection to the X server lost"));
+            close();
         }
     }
 
@@ -149,144 +178,179 @@ private:
         }
     }
 
-    void report(std::uint32_t type) {
-        const auto pointer = queryPointer();
-        if (!pointer) {
-            return;
+    void report(InputEvent::Type type) {
+        if (const auto pointer = queryPointer()) {
+            deliver(type, *pointer);
         }
-        deliver(type, *pointer, modifierBits_.toEventFlags(pointer->mask));
     }
 
-    void reportModifierChange() {
-        // The pointer query already reflects the key event just read.
-        const auto pointer = queryPointer();
-        if (!pointer) {
+    // The modifiers follow the modifier keys in the event stream itself: a pointer query would
+    // tell the state after the whole batch, and miss a modifier pressed and released within it.
+    void keyChanged(std::uint32_t keycode, bool pressed) {
+        if (keycode > 255) {
             return;
         }
-        const std::uint32_t flags = modifierBits_.toEventFlags(pointer->mask);
-        if (flags == lastFlags_) {
+        const auto key = static_cast<std::uint8_t>(keycode);
+        if (pressed) {
+            heldKeys_.insert(key);
+        } else {
+            heldKeys_.erase(key);
+            // A key held since before the tap started is up now.
+            heldBeforeStart_ =
+                static_cast<std::uint8_t>(heldBeforeStart_ & ~modifierBits_.keyBits[key]);
+        }
+        const std::uint32_t modifiers = currentModifiers();
+        if (modifiers == modifiers_) {
             return;
         }
-        lastFlags_ = flags;
-        deliver(InputEvent::FlagsChanged, *pointer, flags);
+        modifiers_ = modifiers;
+        report(InputEvent::FlagsChanged);
     }
 
-    void deliver(std::uint32_t type, const Pointer& pointer, std::uint32_t flags) {
-        if (!enabled_ || !handler_ || !wants(eventMask_, type)) {
+    std::uint32_t currentModifiers() const {
+        std::uint16_t state = heldBeforeStart_;
+        for (const std::uint8_t key : heldKeys_) {
+            state |= modifierBits_.keyBits[key];
+        }
+        return modifierBits_.toModifierMask(state);
+    }
+
+    void deliver(InputEvent::Type type, const Pointer& pointer) {
+        const bool wanted = (mask_ & (std::uint64_t{1} << type)) != 0;
+        if (!enabled_ || closed_ || !wanted || !handler_) {
             return;
         }
-        handler_(InputEvent{type, X11DesktopSpace::toDesktop(QPointF(pointer.rootX, pointer.rootY)),
-                            flags});
+        const InputEvent event{type,
+                               X11DesktopSpace::toDesktop(QPointF(pointer.rootX, pointer.rootY)),
+                               ModifierMapper::toEventFlags(modifiers_)};
+        handler_(event);
     }
 
     xcb_connection_t* connection_;
     xcb_window_t root_;
     std::uint8_t xinputOpcode_;
-    std::uint64_t eventMask_;
+    std::uint64_t mask_;
     InputEventHandler handler_;
+    Logger logger_;
     X11ModifierBits modifierBits_;
-    QSocketNotifier notifier_;
-    std::uint32_t lastFlags_ = 0;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    // Key codes seen pressed and not released yet, and the X modifiers of keys that were held
+    // before the tap started (their presses were never seen).
+    std::set<std::uint8_t> heldKeys_;
+    std::uint8_t heldBeforeStart_ = 0;
+    std::uint32_t modifiers_ = 0; // the stored mask after the last event
     bool leftButtonDown_ = false;
     bool enabled_ = false;
-    bool reportedConnectionError_ = false;
+    bool closed_ = false;
 };
+
+class X11EventTap final : public EventTapHandle {
+public:
+    explicit X11EventTap(std::shared_ptr<RawEventReader> reader)
+        : reader_(std::move(reader)) {}
+    ~X11EventTap() override { reader_->close(); }
+    X11EventTap(const X11EventTap&) = delete;
+    X11EventTap& operator=(const X11EventTap&) = delete;
+
+    const std::shared_ptr<RawEventReader>& reader() const { return reader_; }
+
+private:
+    std::shared_ptr<RawEventReader> reader_;
+};
+
+// A reference of the caller's own: the handler may drop the tap while the reader runs it.
+std::shared_ptr<RawEventReader> readerOf(EventTapHandle& tap) {
+    auto* x11Tap = dynamic_cast<X11EventTap*>(&tap);
+    return x11Tap ? x11Tap->reader() : nullptr;
+}
 
 } // namespace
 
 X11EventTapApi::X11EventTapApi(const char* displayName)
-    : displayName_(displayName ? QByteArray(displayName) : QByteArray())
-    , hasDisplayName_(displayName != nullptr)
-    , logger_(LoggerFactory::makeLogger(QStringLiteral("X11EventSource"))) {}
+    : displayName_(displayName ? std::optional<QByteArray>(displayName) : std::nullopt)
+    , logger_(LoggerFactory::makeLogger(QStringLiteral("X11EventTapApi"))) {}
 
 void X11EventTapApi::systemLog(const QString& message) {
     logger_.info(message);
 }
 
-std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t eventMask,
+std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t mask,
                                                           InputEventHandler handler) {
-    const Logger& logger = logger_;
     int screenNumber = 0;
     xcb_connection_t* connection =
-        xcb_connect(hasDisplayName_ ? displayName_.constData() : nullptr, &screenNumber);
-    if (xcb_connection_has_error(connection)) {
+        xcb_connect(displayName_ ? displayName_->constData() : nullptr, &screenNumber);
+    const auto fail = [&](const QString& message) -> std::unique_ptr<EventTapHandle> {
+        logger_.error(QStringLiteral("X11EventTapApi: ") + message);
         xcb_disconnect(connection);
-        logger.error(QStringLiteral("X11EventSource: cannot connect to the X server"));
         return nullptr;
+    };
+    if (xcb_connection_has_error(connection)) {
+        return fail(QStringLiteral("cannot connect to the X server"));
     }
-    const auto disconnect = [&] { xcb_disconnect(connection); };
 
     const xcb_query_extension_reply_t* extension =
         xcb_get_extension_data(connection, &xcb_input_id);
     if (!extension || !extension->present) {
-        logger.error(QStringLiteral("X11EventSource: the X server has no XInput extension"));
-        disconnect();
-        return nullptr;
+        return fail(QStringLiteral("the X server has no XInput extension"));
     }
     const auto version = adopt(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
     if (!version || version->major_version < 2 ||
         (version->major_version == 2 && version->minor_version < 1)) {
-        logger.error(
-            QStringLiteral("X11EventSource: XInput 2.1 or later is required, the server has %1.%2")
-                .arg(version ? version->major_version : 0)
-                .arg(version ? version->minor_version : 0));
-        disconnect();
-        return nullptr;
+        return fail(QStringLiteral("XInput 2.1 or later is required, the server has %1.%2")
+                        .arg(version ? version->major_version : 0)
+                        .arg(version ? version->minor_version : 0));
     }
 
-    const xcb_setup_t* setup = xcb_get_setup(connection);
-    auto screens = xcb_setup_roots_iterator(setup);
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (int i = 0; i < screenNumber && screens.rem > 0; ++i) {
         xcb_screen_next(&screens);
     }
     if (screens.rem == 0) {
-        logger.error(QStringLiteral("X11EventSource: no screen %1").arg(screenNumber));
-        disconnect();
-        return nullptr;
+        return fail(QStringLiteral("no screen %1").arg(screenNumber));
     }
     const xcb_window_t root = screens.data->root;
 
+    // One event mask of one 32-bit word, for all master devices.
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t bits;
-    } mask{};
-    mask.head.deviceid = XCB_INPUT_DEVICE_ALL_MASTER;
-    mask.head.mask_len = 1;
-    mask.bits = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
-                XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
-                XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+    } selection{};
+    selection.head.deviceid = XCB_INPUT_DEVICE_ALL_MASTER;
+    selection.head.mask_len = 1;
+    selection.bits = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                     XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+                     XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS |
+                     XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
     if (auto* error = xcb_request_check(
-            connection, xcb_input_xi_select_events_checked(connection, root, 1, &mask.head))) {
-        logger.error(QStringLiteral("X11EventSource: selecting raw events failed, X error %1")
-                         .arg(error->error_code));
+            connection, xcb_input_xi_select_events_checked(connection, root, 1, &selection.head))) {
+        const int code = error->error_code;
         std::free(error);
-        disconnect();
-        return nullptr;
+        return fail(QStringLiteral("selecting raw events failed, X error %1").arg(code));
     }
 
-    return std::make_unique<X11EventTap>(connection, root, extension->major_opcode, eventMask,
-                                         std::move(handler));
+    return std::make_unique<X11EventTap>(std::make_shared<RawEventReader>(
+        connection, root, extension->major_opcode, mask, std::move(handler), logger_));
 }
 
 bool X11EventTapApi::addRunLoopSource(EventTapHandle& tap) {
-    auto* x11Tap = dynamic_cast<X11EventTap*>(&tap);
-    if (!x11Tap) {
+    const auto reader = readerOf(tap);
+    if (!reader) {
         return false;
     }
-    x11Tap->attach();
+    reader->attach(reader);
     return true;
 }
 
 void X11EventTapApi::removeRunLoopSource(EventTapHandle& tap) {
-    if (auto* x11Tap = dynamic_cast<X11EventTap*>(&tap)) {
-        x11Tap->detach();
+    if (const auto reader = readerOf(tap)) {
+        reader->detach();
     }
 }
 
 void X11EventTapApi::enableTap(EventTapHandle& tap) {
-    if (auto* x11Tap = dynamic_cast<X11EventTap*>(&tap)) {
-        x11Tap->setEnabled(true);
+    if (const auto reader = readerOf(tap)) {
+        reader->enable();
     }
 }
 

@@ -1,7 +1,6 @@
 #include "platform/x11/x11_modifier_bits.h"
 
 #include "core/hotkey_definition.h"
-#include "core/hotkey_formatter.h"
 
 #include <cstdlib>
 #include <memory>
@@ -29,20 +28,22 @@ X11ModifierBits X11ModifierBits::read(xcb_connection_t* connection) {
     }
     std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
         xcb_key_symbols_alloc(connection), &xcb_key_symbols_free);
-    if (!symbols) {
-        return bits;
-    }
     const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(reply.get());
     const int perModifier = reply->keycodes_per_modifier;
     bool altFound = false;
     bool metaBit = false;
     std::uint16_t meta = 0;
-    // Indices 3..7 are Mod1..Mod5; Shift, Lock and Control are fixed.
-    for (int modifier = 3; modifier < 8; ++modifier) {
+    // Rows 0..7 are Shift, Lock, Control and Mod1..Mod5; what Mod1..Mod5 mean depends on the
+    // keys in them.
+    for (int modifier = 0; modifier < 8; ++modifier) {
         const auto bit = static_cast<std::uint16_t>(1u << modifier);
         for (int i = 0; i < perModifier; ++i) {
             const xcb_keycode_t keycode = keycodes[modifier * perModifier + i];
             if (keycode == 0) {
+                continue;
+            }
+            bits.keyBits[keycode] = static_cast<std::uint8_t>(bits.keyBits[keycode] | bit);
+            if (modifier < 3 || !symbols) {
                 continue;
             }
             for (int column = 0; column < 4; ++column) {
@@ -68,7 +69,7 @@ X11ModifierBits X11ModifierBits::read(xcb_connection_t* connection) {
     return bits;
 }
 
-std::uint32_t X11ModifierBits::toHotkeyMask(std::uint16_t state) const {
+std::uint32_t X11ModifierBits::toModifierMask(std::uint16_t state) const {
     std::uint32_t mask = 0;
     if (state & super) {
         mask |= modifier_bits::kCommand;
@@ -85,22 +86,18 @@ std::uint32_t X11ModifierBits::toHotkeyMask(std::uint16_t state) const {
     return mask;
 }
 
-std::uint32_t X11ModifierBits::toEventFlags(std::uint16_t state) const {
-    return ModifierMapper::toEventFlags(toHotkeyMask(state));
-}
-
-std::uint16_t X11ModifierBits::toXModifiers(std::uint32_t hotkeyMask) const {
+std::uint16_t X11ModifierBits::toXModifiers(std::uint32_t modifierMask) const {
     std::uint16_t modifiers = 0;
-    if (hotkeyMask & modifier_bits::kCommand) {
+    if (modifierMask & modifier_bits::kCommand) {
         modifiers |= super;
     }
-    if (hotkeyMask & modifier_bits::kShift) {
+    if (modifierMask & modifier_bits::kShift) {
         modifiers |= XCB_MOD_MASK_SHIFT;
     }
-    if (hotkeyMask & modifier_bits::kOption) {
+    if (modifierMask & modifier_bits::kOption) {
         modifiers |= alt;
     }
-    if (hotkeyMask & modifier_bits::kControl) {
+    if (modifierMask & modifier_bits::kControl) {
         modifiers |= XCB_MOD_MASK_CONTROL;
     }
     return modifiers;

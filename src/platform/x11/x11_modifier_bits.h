@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <xcb/xcb.h>
 
@@ -12,17 +13,21 @@ struct X11ModifierBits {
     std::uint16_t alt = XCB_MOD_MASK_1;
     std::uint16_t super = XCB_MOD_MASK_4;
     std::uint16_t numLock = XCB_MOD_MASK_2;
+    // The X modifier bits each key code sets while it is held (none for keys that are no
+    // modifier).
+    std::array<std::uint8_t, 256> keyBits{};
+
+    friend bool operator==(const X11ModifierBits&, const X11ModifierBits&) = default;
 
     // Reads the modifier mapping; keeps the usual bits for whatever the server does not map.
     static X11ModifierBits read(xcb_connection_t* connection);
 
-    // X state mask -> hot-key mask (Command 0x100, Shift 0x200, Option 0x800, Control 0x1000).
-    // Lock, Num Lock and the button bits are not modifiers of a combination.
-    std::uint32_t toHotkeyMask(std::uint16_t state) const;
-    // X state mask -> the device-independent flags of a global event.
-    std::uint32_t toEventFlags(std::uint16_t state) const;
-    // Hot-key mask -> X modifiers for a key grab.
-    std::uint16_t toXModifiers(std::uint32_t hotkeyMask) const;
+    // X state mask -> the stored modifier mask (modifier_bits: Command 256, Shift 512,
+    // Option 2048, Control 4096). Lock, Num Lock and the button bits are not modifiers of a
+    // combination.
+    std::uint32_t toModifierMask(std::uint16_t state) const;
+    // Stored modifier mask -> X modifiers for a key grab.
+    std::uint16_t toXModifiers(std::uint32_t modifierMask) const;
 };
 
 } // namespace paneforge

@@ -1,0 +1,71 @@
+#include "platform/macos/mac_keyboard_layout.h"
+
+#include <Carbon/Carbon.h>
+
+namespace paneforge {
+
+namespace {
+
+constexpr UniCharCount kMaxCharacters = 8;
+
+// One keyboard layout input source, retained, and its 'uchr' data, which the source owns.
+class MacKeyboardLayout final : public KeyboardLayout {
+public:
+    // Takes over the reference of a TIS...Copy call.
+    MacKeyboardLayout(TISInputSourceRef source, const UCKeyboardLayout* layout)
+        : source_(source)
+        , layout_(layout) {}
+    ~MacKeyboardLayout() override { CFRelease(source_); }
+    MacKeyboardLayout(const MacKeyboardLayout&) = delete;
+    MacKeyboardLayout& operator=(const MacKeyboardLayout&) = delete;
+
+    const UCKeyboardLayout* layout() const { return layout_; }
+
+private:
+    TISInputSourceRef source_;
+    const UCKeyboardLayout* layout_;
+};
+
+} // namespace
+
+std::shared_ptr<const KeyboardLayout> MacKeyboardLayoutProvider::currentLayout() const {
+    // TextInputSources.h: a Copy call, so the source is released by the layout.
+    TISInputSourceRef source = TISCopyCurrentKeyboardLayoutInputSource();
+    if (!source) {
+        return nullptr;
+    }
+    // TextInputSources.h: a Get call; the CFDataRef belongs to the source.
+    const auto data =
+        static_cast<CFDataRef>(TISGetInputSourceProperty(source, kTISPropertyUnicodeKeyLayoutData));
+    if (!data || CFDataGetLength(data) <= 0) {
+        CFRelease(source);
+        return nullptr;
+    }
+    return std::make_shared<const MacKeyboardLayout>(
+        source, reinterpret_cast<const UCKeyboardLayout*>(CFDataGetBytePtr(data)));
+}
+
+std::optional<QString> MacKeyTranslator::translate(std::uint32_t keyCode,
+                                                   const KeyboardLayout& layout) const {
+    const auto* macLayout = dynamic_cast<const MacKeyboardLayout*>(&layout);
+    // Virtual key codes are 16-bit.
+    if (!macLayout || keyCode > 0xFFFF) {
+        return std::nullopt;
+    }
+    UInt32 deadKeyState = 0;
+    UniChar characters[kMaxCharacters] = {};
+    UniCharCount length = 0;
+    // CarbonCore/UnicodeUtilities.h: UCKeyTranslate(layout, key code, action, modifier state,
+    // keyboard type, options, dead-key state, capacity, length, characters); Events.h:
+    // LMGetKbdType() is the keyboard type.
+    const OSStatus status =
+        UCKeyTranslate(macLayout->layout(), static_cast<UInt16>(keyCode), kUCKeyActionDisplay, 0,
+                       LMGetKbdType(), 0, &deadKeyState, kMaxCharacters, &length, characters);
+    if (status != noErr || length == 0) {
+        return std::nullopt;
+    }
+    return QString(reinterpret_cast<const QChar*>(characters), static_cast<qsizetype>(length))
+        .toUpper();
+}
+
+} // namespace paneforge

@@ -1,0 +1,118 @@
+#include "core/key_code_table.h"
+
+#include <QTest>
+#include <set>
+
+using namespace paneforge;
+
+class KeyCodeTableTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyEntryRoundTripsBothWays() {
+        std::set<std::uint32_t> macCodes;
+        std::set<std::uint32_t> evdevCodes;
+        for (const auto& entry : KeyCodeTable::entries()) {
+            QVERIFY2(macCodes.insert(entry.macKeyCode).second,
+                     qPrintable(QStringLiteral("mac %1 twice").arg(entry.macKeyCode)));
+            QVERIFY2(evdevCodes.insert(entry.evdevCode).second,
+                     qPrintable(QStringLiteral("evdev %1 twice").arg(entry.evdevCode)));
+            QCOMPARE(KeyCodeTable::macFromEvdev(*KeyCodeTable::evdevFromMac(entry.macKeyCode)),
+                     entry.macKeyCode);
+            QCOMPARE(KeyCodeTable::evdevFromMac(*KeyCodeTable::macFromEvdev(entry.evdevCode)),
+                     entry.evdevCode);
+            QCOMPARE(
+                KeyCodeTable::macFromX11Keycode(*KeyCodeTable::x11KeycodeFromMac(entry.macKeyCode)),
+                entry.macKeyCode);
+        }
+    }
+
+    // Spot checks against the kernel's KEY_* values and the macOS kVK_* values.
+    void knownKeys_data() {
+        QTest::addColumn<quint32>("mac");
+        QTest::addColumn<quint32>("evdev");
+        QTest::newRow("A") << 0x00u << 30u;
+        QTest::newRow("E") << 0x0Eu << 18u;
+        QTest::newRow("Z") << 0x06u << 44u;
+        QTest::newRow("1") << 0x12u << 2u;
+        QTest::newRow("5") << 0x17u << 6u;
+        QTest::newRow("6") << 0x16u << 7u;
+        QTest::newRow("0") << 0x1Du << 11u;
+        QTest::newRow("grave") << 0x32u << 41u;
+        QTest::newRow("Return") << 0x24u << 28u;
+        QTest::newRow("Tab") << 0x30u << 15u;
+        QTest::newRow("Space") << 0x31u << 57u;
+        QTest::newRow("Delete") << 0x33u << 14u;
+        QTest::newRow("forward delete") << 0x75u << 111u;
+        QTest::newRow("Escape") << 0x35u << 1u;
+        QTest::newRow("F1") << 0x7Au << 59u;
+        QTest::newRow("F5") << 0x60u << 63u;
+        QTest::newRow("F12") << 0x6Fu << 88u;
+        QTest::newRow("F13") << 0x69u << 183u;
+        QTest::newRow("left") << 0x7Bu << 105u;
+        QTest::newRow("right") << 0x7Cu << 106u;
+        QTest::newRow("down") << 0x7Du << 108u;
+        QTest::newRow("up") << 0x7Eu << 103u;
+        QTest::newRow("keypad 0") << 0x52u << 82u;
+        QTest::newRow("keypad 7") << 0x59u << 71u;
+        QTest::newRow("keypad 8") << 0x5Bu << 72u;
+        QTest::newRow("keypad enter") << 0x4Cu << 96u;
+        QTest::newRow("keypad divide") << 0x4Bu << 98u;
+        QTest::newRow("command") << 0x37u << 125u;
+    }
+    void knownKeys() {
+        QFETCH(quint32, mac);
+        QFETCH(quint32, evdev);
+        QCOMPARE(KeyCodeTable::evdevFromMac(mac), std::optional<std::uint32_t>(evdev));
+        QCOMPARE(KeyCodeTable::macFromEvdev(evdev), std::optional<std::uint32_t>(mac));
+        QCOMPARE(KeyCodeTable::x11KeycodeFromMac(mac), std::optional<std::uint32_t>(evdev + 8));
+    }
+
+    void coversEveryKeyAHotKeyCanUse() {
+        // 26 letters, 10 digits, 11 ANSI punctuation keys, F1-F20, 4 arrows, 17 keypad keys and
+        // Return, Tab, Space, Delete, Escape.
+        const std::uint32_t letters[] = {0x00, 0x0B, 0x08, 0x02, 0x0E, 0x03, 0x05, 0x04, 0x22,
+                                         0x26, 0x28, 0x25, 0x2E, 0x2D, 0x1F, 0x23, 0x0C, 0x0F,
+                                         0x01, 0x11, 0x20, 0x09, 0x0D, 0x07, 0x10, 0x06};
+        const std::uint32_t others[] = {
+            0x12, 0x13, 0x14, 0x15, 0x17, 0x16, 0x1A, 0x1C, 0x19, 0x1D,             // digits
+            0x1B, 0x18, 0x21, 0x1E, 0x29, 0x27, 0x32, 0x2A, 0x2B, 0x2F, 0x2C,       // punctuation
+            0x7A, 0x78, 0x63, 0x76, 0x60, 0x61, 0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F, // F1-F12
+            0x69, 0x6B, 0x71, 0x6A, 0x40, 0x4F, 0x50, 0x5A,                         // F13-F20
+            0x7B, 0x7C, 0x7D, 0x7E,                                                 // arrows
+            0x52, 0x53, 0x54, 0x55, 0x56, 0x57, 0x58, 0x59, 0x5B, 0x5C,             // keypad digits
+            0x41, 0x43, 0x45, 0x4E, 0x4B, 0x4C, 0x51,                               // keypad others
+            0x24, 0x30, 0x31, 0x33, 0x35};
+        std::set<std::uint32_t> evdevSeen;
+        for (const auto code : letters) {
+            const auto evdev = KeyCodeTable::evdevFromMac(code);
+            QVERIFY2(evdev, qPrintable(QString::number(code)));
+            // The kernel's letter keys all lie in 16..50.
+            QVERIFY(*evdev >= 16 && *evdev <= 50);
+            evdevSeen.insert(*evdev);
+        }
+        QCOMPARE(evdevSeen.size(), std::size_t{26});
+        for (const auto code : others) {
+            QVERIFY2(KeyCodeTable::evdevFromMac(code), qPrintable(QString::number(code)));
+        }
+    }
+
+    void unknownCodesHaveNoCounterpart() {
+        QCOMPARE(KeyCodeTable::evdevFromMac(0x34), std::nullopt); // no key there on any Mac
+        QCOMPARE(KeyCodeTable::evdevFromMac(0x1000), std::nullopt);
+        QCOMPARE(KeyCodeTable::macFromEvdev(0), std::nullopt);
+        QCOMPARE(KeyCodeTable::macFromX11Keycode(3), std::nullopt);
+        QCOMPARE(KeyCodeTable::macFromX11Keycode(8), std::nullopt);
+    }
+
+    void modifierKeys() {
+        QVERIFY(KeyCodeTable::isModifierKey(0x37));
+        QVERIFY(KeyCodeTable::isModifierKey(0x39)); // Caps Lock
+        QVERIFY(KeyCodeTable::isModifierKey(0x3D));
+        QVERIFY(!KeyCodeTable::isModifierKey(0x33));
+        QVERIFY(!KeyCodeTable::isModifierKey(0x00));
+    }
+};
+
+QTEST_GUILESS_MAIN(KeyCodeTableTest)
+#include "tst_key_code_table.moc"

@@ -1,0 +1,291 @@
+#include "app/event_tap_manager.h"
+#include "app/manual_scheduler.h"
+#include "app/notification_center.h"
+#include "core/hotkey_formatter.h"
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_desktop_space.h"
+#include "platform/x11/x11_event_tap_api.h"
+#include "platform/x11/x11_window_service.h"
+#include "x11_test_session.h"
+
+#include <QTest>
+
+using namespace paneforge;
+
+namespace {
+
+constexpr std::uint32_t kCommand = ModifierMapper::kCommandFlag;
+constexpr std::uint32_t kShift = ModifierMapper::kShiftFlag;
+
+QString kindOf(const InputEvent& event) {
+    switch (event.type) {
+    case InputEvent::LeftMouseDown:
+        return QStringLiteral("down");
+    case InputEvent::LeftMouseUp:
+        return QStringLiteral("up");
+    case InputEvent::LeftMouseDragged:
+        return QStringLiteral("drag");
+    case InputEvent::FlagsChanged:
+        return QStringLiteral("flags(0x%1)").arg(event.flags, 0, 16);
+    default:
+        return QStringLiteral("other");
+    }
+}
+
+// Event kinds in order, each flags change with its flags, runs of drags folded into one.
+QStringList sequence(const QList<InputEvent>& events) {
+    QStringList kinds;
+    for (const auto& event : events) {
+        const QString kind = kindOf(event);
+        if (kind == QLatin1String("drag") && !kinds.isEmpty() && kinds.last() == kind) {
+            continue;
+        }
+        kinds << kind;
+    }
+    return kinds;
+}
+
+void arm(EventTapManager& manager) {
+    manager.observeListenEventGrantCleared();
+    manager.stopInstalledTap();
+    manager.stopRetry();
+    manager.attemptInstall();
+}
+
+} // namespace
+
+// EventTapManager over X11EventTapApi against a real server, openbox and xlogo, driven by
+// xdotool. A title-bar drag is the window manager's pointer grab, through which raw events must
+// keep coming. xdotool's absolute moves are warps, which make no raw motion; relative moves do.
+class X11EventTapTest : public QObject {
+    Q_OBJECT
+
+public:
+    explicit X11EventTapTest(X11TestSession& session)
+        : session_(session)
+        , display_(session.display().toLatin1()) {}
+
+private:
+    bool xdotool(const QStringList& arguments) { return session_.run("xdotool", arguments); }
+
+    QPoint pointer() {
+        QString shell;
+        session_.run("xdotool", {"getmouselocation", "--shell"}, &shell);
+        QPoint point;
+        for (const auto& line : shell.split('\n')) {
+            if (line.startsWith(QLatin1String("X="))) {
+                point.setX(line.mid(2).toInt());
+            } else if (line.startsWith(QLatin1String("Y="))) {
+                point.setY(line.mid(2).toInt());
+            }
+        }
+        return point;
+    }
+
+    static DesktopPoint desktop(QPoint root) { return X11DesktopSpace::toDesktop(QPointF(root)); }
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY(connection_.isValid());
+        QString error;
+        const auto logo = session_.startClient("xlogo", {"-geometry", "300x200+400+300"}, &error);
+        QVERIFY2(logo, qPrintable(error));
+        logo_ = *logo;
+    }
+
+    void accessNeedsNoPermission() {
+        X11EventTapApi api(display_.constData());
+        QVERIFY(api.preflightListenEventAccess());
+        QVERIFY(api.requestListenEventAccess());
+    }
+
+    void titleBarDragWithCommandPressedMidDrag() {
+        std::vector<std::uint32_t> extents;
+        QVERIFY(X11TestSession::waitUntil([&] {
+            extents = connection_.cardinals(logo_, "_NET_FRAME_EXTENTS");
+            return extents.size() == 4 && extents[2] > 4; // a title bar to take hold of
+        }));
+        const auto window = X11WindowService::wrap(logo_);
+        const auto before = windows_.frame(window);
+        QVERIFY(before);
+        const QPointF titleBar =
+            X11DesktopSpace::toRoot({before->midX(), before->maxY() - extents[2] / 2.0});
+        const QPoint start = titleBar.toPoint();
+
+        X11EventTapApi api(display_.constData());
+        ManualScheduler scheduler;
+        NotificationCenter center;
+        int installed = 0;
+        const auto observer =
+            center.observe(notifications::kEventTapInstalled, [&] { ++installed; });
+        EventTapManager manager(api, scheduler, center);
+        QList<InputEvent> events;
+        manager.setHandler([&](const InputEvent& event) { events << event; });
+        arm(manager);
+        QVERIFY(manager.isTapInstalled());
+        QVERIFY(!manager.isRetrying());
+        QCOMPARE(installed, 1);
+
+        const auto n = [](int value) { return QString::number(value); };
+        // Each step waits for its event, as a hand would: raw events carry no state, so the tap
+        // reads pointer and modifiers when it handles them.
+        QVERIFY(xdotool({"mousemove", n(start.x()), n(start.y())}));
+        QVERIFY(xdotool({"mousedown", "1"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), QStringList({"down"}), 10000);
+        QCOMPARE(events.last().location, desktop(start));
+        QCOMPARE(events.last().flags, 0u);
+
+        QVERIFY(xdotool({"mousemove_relative", "--", "12", "9"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), QStringList({"down", "drag"}), 10000);
+        QCOMPARE(events.last().location, desktop(pointer()));
+        QCOMPARE(events.last().flags, 0u);
+
+        QVERIFY(xdotool({"keydown", "super"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events),
+                                  QStringList({"down", "drag", "flags(0x100000)"}), 10000);
+        QCOMPARE(events.last().flags, kCommand);
+        QCOMPARE(ModifierMapper::toCarbonModifiersFromEventFlags(events.last().flags),
+                 modifier_bits::kCommand);
+
+        QVERIFY(xdotool({"mousemove_relative", "--", "15", "11"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events),
+                                  QStringList({"down", "drag", "flags(0x100000)", "drag"}), 10000);
+        QCOMPARE(events.last().flags, kCommand); // a drag with the combination held
+
+        const QPoint release = pointer();
+        QVERIFY(xdotool({"mouseup", "1"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events),
+                                  QStringList({"down", "drag", "flags(0x100000)", "drag", "up"}),
+                                  10000);
+        QCOMPARE(events.last().location, desktop(release));
+        QCOMPARE(events.last().flags, kCommand);
+        QCOMPARE(release, start + QPoint(27, 20));
+
+        // The window manager really moved the window: the events came through its grab.
+        QVERIFY(X11TestSession::waitUntil([&] {
+            const auto after = windows_.frame(window);
+            return after && after->x() == before->x() + 27 && after->y() == before->y() - 20;
+        }));
+
+        // Releasing a key that is already up changes nothing: one change only. Motion without
+        // the button is no drag; a key that is no modifier changes no flags.
+        QVERIFY(xdotool({"keyup", "super", "keyup", "super"}));
+        QVERIFY(xdotool({"mousemove_relative", "--", "5", "5", "key", "a", "keydown", "shift"}));
+        QVERIFY(xdotool({"keyup", "shift"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events),
+                                  QStringList({"down", "drag", "flags(0x100000)", "drag", "up",
+                                               "flags(0x0)", "flags(0x20000)", "flags(0x0)"}),
+                                  10000);
+        QCOMPARE(events[events.size() - 2].flags, kShift);
+
+        // A dropped tap delivers nothing more.
+        manager.stopInstalledTap();
+        QVERIFY(!manager.isTapInstalled());
+        const auto count = events.size();
+        EventTapManager second(api, scheduler, center);
+        QList<InputEvent> later;
+        second.setHandler([&](const InputEvent& event) { later << event; });
+        arm(second);
+        QVERIFY(xdotool({"mousedown", "1", "mouseup", "1"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(later), QStringList({"down", "up"}), 10000);
+        QCOMPARE(events.size(), count);
+    }
+
+    void followsAChangedModifierMapping() {
+        X11EventTapApi api(display_.constData());
+        ManualScheduler scheduler;
+        NotificationCenter center;
+        EventTapManager manager(api, scheduler, center);
+        QList<InputEvent> events;
+        manager.setHandler([&](const InputEvent& event) { events << event; });
+        arm(manager);
+
+        // The left Super key becomes a Control key while the tap runs. The server tells every
+        // client before it delivers the next key, so the press already counts as Control.
+        QVERIFY(session_.run("xmodmap",
+                             {"-e", "remove mod4 = Super_L", "-e", "add control = Super_L"}));
+        QVERIFY(xdotool({"keydown", "Super_L", "keyup", "Super_L"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), QStringList({"flags(0x40000)", "flags(0x0)"}),
+                                  10000);
+        // And back.
+        QVERIFY(session_.run("xmodmap",
+                             {"-e", "remove control = Super_L", "-e", "add mod4 = Super_L"}));
+        QVERIFY(xdotool({"keydown", "Super_L", "keyup", "Super_L"}));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            sequence(events),
+            QStringList({"flags(0x40000)", "flags(0x0)", "flags(0x100000)", "flags(0x0)"}), 10000);
+    }
+
+    void handlerMayDropItsOwnTap() {
+        X11EventTapApi api(display_.constData());
+        ManualScheduler scheduler;
+        NotificationCenter center;
+        EventTapManager manager(api, scheduler, center);
+        QList<InputEvent> events;
+        manager.setHandler([&](const InputEvent& event) {
+            events << event;
+            manager.stopInstalledTap();
+        });
+        arm(manager);
+        QVERIFY(manager.isTapInstalled());
+        // A tap on a connection of its own tells when the server has sent everything.
+        EventTapManager witness(api, scheduler, center);
+        QList<InputEvent> seen;
+        witness.setHandler([&](const InputEvent& event) { seen << event; });
+        arm(witness);
+
+        // Both presses reach the dropped tap's connection in one read.
+        QVERIFY(xdotool({"mousedown", "1", "mouseup", "1", "mousedown", "1", "mouseup", "1"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), QStringList({"down"}), 10000);
+        QVERIFY(!manager.isTapInstalled());
+        QVERIFY(xdotool({"mousedown", "1", "mouseup", "1"}));
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(seen),
+                                  QStringList({"down", "up", "down", "up", "down", "up"}), 10000);
+        QCOMPARE(sequence(events), QStringList({"down"}));
+    }
+
+    void clearedPermissionReplacesTheTap() {
+        X11EventTapApi api(display_.constData());
+        ManualScheduler scheduler;
+        NotificationCenter center;
+        EventTapManager manager(api, scheduler, center);
+        QList<InputEvent> events;
+        manager.setHandler([&](const InputEvent& event) { events << event; });
+        arm(manager);
+        EventTapManager witness(api, scheduler, center);
+        QList<InputEvent> seen;
+        witness.setHandler([&](const InputEvent& event) { seen << event; });
+        arm(witness);
+
+        // The manager starts over with a new tap; the old one goes silent, so nothing arrives
+        // twice. (The witness starts over too.)
+        center.post(notifications::kListenEventGrantCleared);
+        QVERIFY(manager.isTapInstalled());
+        QVERIFY(xdotool({"mousedown", "1", "mouseup", "1"}));
+        QVERIFY(xdotool({"keydown", "shift", "keyup", "shift"}));
+        const QStringList expected({"down", "up", "flags(0x20000)", "flags(0x0)"});
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(seen), expected, 10000);
+        // The server sent the button events to every connection before the key events reached
+        // the witness: by now a second tap would have delivered them too.
+        QCOMPARE(sequence(events).mid(0, 2), QStringList({"down", "up"}));
+        QCOMPARE(sequence(events).count("down"), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(events), expected, 10000);
+    }
+
+private:
+    X11TestSession& session_;
+    QByteArray display_;
+    X11Connection connection_;
+    ManualScheduler windowScheduler_;
+    X11WindowService windows_{connection_, windowScheduler_, nullptr};
+    xcb_window_t logo_ = XCB_NONE;
+};
+
+int main(int argc, char** argv) {
+    return runWithX11Session(argc, argv, {}, [&](X11TestSession& session) {
+        X11EventTapTest test(session);
+        return QTest::qExec(&test, argc, argv);
+    });
+}
+
+#include "tst_x11_event_tap.moc"
