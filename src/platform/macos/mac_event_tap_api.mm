@@ -25,7 +25,10 @@ CGEventRef tapCallback(CGEventTapProxy, CGEventType type, CGEventRef event, void
     // NSEvent.h: NSEventModifierFlagDeviceIndependentFlagsMask; CGEventFlags uses the same bits.
     const auto flags = static_cast<std::uint32_t>(CGEventGetFlags(event) &
                                                   NSEventModifierFlagDeviceIndependentFlagsMask);
-    context->handler(
+    // A disabled-tap notification makes the receiver re-arm, which drops this tap and its
+    // context while the handler runs: call a copy.
+    const InputEventHandler handler = context->handler;
+    handler(
         InputEvent{static_cast<std::uint32_t>(type), DesktopPoint{location.x, location.y}, flags});
     return event;
 }
