@@ -10,7 +10,8 @@ namespace {
 // Owns one retained AXUIElementRef.
 class MacElement final : public AccessibilityElement {
 public:
-    explicit MacElement(AXUIElementRef element) : element_(element) {} // takes ownership
+    explicit MacElement(AXUIElementRef element)
+        : element_(element) {} // takes ownership
     ~MacElement() override {
         if (element_) {
             CFRelease(element_);
@@ -37,7 +38,9 @@ AXUIElementRef refOf(const AXElementRef& element) {
     return mac ? mac->ref() : nullptr;
 }
 
-CFStringRef cfString(const QString& text) { return text.toCFString(); }
+CFStringRef cfString(const QString& text) {
+    return text.toCFString();
+}
 
 // Converts a copied attribute value (owned by the caller) into an AXValue.
 AXValue convert(CFTypeRef value) {
@@ -80,7 +83,9 @@ AXValue convert(CFTypeRef value) {
         std::vector<AXElementRef> elements;
         for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
             const CFTypeRef item = CFArrayGetValueAtIndex(array, i);
-            elements.push_back(item && CFGetTypeID(item) == AXUIElementGetTypeID() ? retainAndWrap(item) : nullptr);
+            elements.push_back(item && CFGetTypeID(item) == AXUIElementGetTypeID()
+                                   ? retainAndWrap(item)
+                                   : nullptr);
         }
         return elements;
     }
@@ -94,19 +99,23 @@ bool MacAccessibilityApi::isProcessTrusted(bool prompt) {
     // kAXTrustedCheckOptionPrompt and a CFBoolean value.
     const void* keys[] = {kAXTrustedCheckOptionPrompt};
     const void* values[] = {prompt ? kCFBooleanTrue : kCFBooleanFalse};
-    CFDictionaryRef options = CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
-                                                 &kCFTypeDictionaryValueCallBacks);
+    CFDictionaryRef options =
+        CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
+                           &kCFTypeDictionaryValueCallBacks);
     const bool trusted = AXIsProcessTrustedWithOptions(options);
     CFRelease(options);
     return trusted;
 }
 
-AXElementRef MacAccessibilityApi::systemWideElement() { return adopt(AXUIElementCreateSystemWide()); }
+AXElementRef MacAccessibilityApi::systemWideElement() {
+    return adopt(AXUIElementCreateSystemWide());
+}
 
 AXResult MacAccessibilityApi::elementAtPosition(float x, float y) {
     AXUIElementRef systemWide = AXUIElementCreateSystemWide();
     AXUIElementRef element = nullptr;
-    // AXUIElement.h: AXUIElementCopyElementAtPosition(AXUIElementRef, float x, float y, AXUIElementRef*)
+    // AXUIElement.h: AXUIElementCopyElementAtPosition(AXUIElementRef, float x, float y,
+    // AXUIElementRef*)
     const AXError error = AXUIElementCopyElementAtPosition(systemWide, x, y, &element);
     CFRelease(systemWide);
     if (error != kAXErrorSuccess) {
@@ -137,7 +146,8 @@ AXResult MacAccessibilityApi::copyAttribute(const AXElementRef& element, const Q
     return result;
 }
 
-std::int32_t MacAccessibilityApi::setAttribute(const AXElementRef& element, const QString& name, const AXValue& value) {
+std::int32_t MacAccessibilityApi::setAttribute(const AXElementRef& element, const QString& name,
+                                               const AXValue& value) {
     AXUIElementRef ref = refOf(element);
     if (!ref) {
         return ax_error::kFailure;

@@ -32,7 +32,9 @@ std::optional<std::int64_t> registryNumber(io_service_t service, CFStringRef key
 
 } // namespace
 
-MacDisplayApi::~MacDisplayApi() { releaseServices(); }
+MacDisplayApi::~MacDisplayApi() {
+    releaseServices();
+}
 
 void MacDisplayApi::releaseServices() {
     for (const auto service : services_) {
@@ -48,7 +50,8 @@ std::pair<std::int32_t, std::uint32_t> MacDisplayApi::activeDisplayCount() {
     return {static_cast<std::int32_t>(error), count};
 }
 
-std::pair<std::int32_t, std::vector<std::uint32_t>> MacDisplayApi::activeDisplayList(std::uint32_t capacity) {
+std::pair<std::int32_t, std::vector<std::uint32_t>>
+MacDisplayApi::activeDisplayList(std::uint32_t capacity) {
     std::vector<CGDirectDisplayID> ids(capacity, 0);
     uint32_t count = 0;
     const CGError error = CGGetActiveDisplayList(capacity, ids.data(), &count);
@@ -56,16 +59,24 @@ std::pair<std::int32_t, std::vector<std::uint32_t>> MacDisplayApi::activeDisplay
     return {static_cast<std::int32_t>(error), std::vector<std::uint32_t>(ids.begin(), ids.end())};
 }
 
-std::uint32_t MacDisplayApi::vendorNumber(std::uint32_t displayId) { return CGDisplayVendorNumber(displayId); }
-std::uint32_t MacDisplayApi::modelNumber(std::uint32_t displayId) { return CGDisplayModelNumber(displayId); }
-std::uint32_t MacDisplayApi::serialNumber(std::uint32_t displayId) { return CGDisplaySerialNumber(displayId); }
+std::uint32_t MacDisplayApi::vendorNumber(std::uint32_t displayId) {
+    return CGDisplayVendorNumber(displayId);
+}
+std::uint32_t MacDisplayApi::modelNumber(std::uint32_t displayId) {
+    return CGDisplayModelNumber(displayId);
+}
+std::uint32_t MacDisplayApi::serialNumber(std::uint32_t displayId) {
+    return CGDisplaySerialNumber(displayId);
+}
 
 DesktopRect MacDisplayApi::bounds(std::uint32_t displayId) {
     const CGRect rect = CGDisplayBounds(displayId);
     return DesktopRect(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
 }
 
-bool MacDisplayApi::isBuiltin(std::uint32_t displayId) { return CGDisplayIsBuiltin(displayId); }
+bool MacDisplayApi::isBuiltin(std::uint32_t displayId) {
+    return CGDisplayIsBuiltin(displayId);
+}
 
 std::vector<PlatformScreen> MacDisplayApi::screens() {
     std::vector<PlatformScreen> result;
@@ -90,8 +101,8 @@ std::optional<std::vector<RegistryDisplay>> MacDisplayApi::registryDisplays() {
     releaseServices();
     io_iterator_t iterator = 0;
     // IOKitLib.h: IOServiceGetMatchingServices consumes the matching dictionary.
-    if (IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching("IODisplayConnect"), &iterator) !=
-        KERN_SUCCESS) {
+    if (IOServiceGetMatchingServices(kIOMainPortDefault, IOServiceMatching("IODisplayConnect"),
+                                     &iterator) != KERN_SUCCESS) {
         return std::nullopt;
     }
     std::vector<RegistryDisplay> displays;
@@ -108,7 +119,8 @@ std::optional<std::vector<RegistryDisplay>> MacDisplayApi::registryDisplays() {
 std::optional<LocalizedNames> MacDisplayApi::productNames(std::uint64_t handle) {
     // IOGraphicsLib.h: IODisplayCreateInfoDictionary(framebuffer, options), here with
     // kIODisplayOnlyPreferredName (512).
-    CFDictionaryRef info = IODisplayCreateInfoDictionary(static_cast<io_service_t>(handle), kIODisplayOnlyPreferredName);
+    CFDictionaryRef info = IODisplayCreateInfoDictionary(static_cast<io_service_t>(handle),
+                                                         kIODisplayOnlyPreferredName);
     if (!info) {
         return std::nullopt;
     }
