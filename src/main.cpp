@@ -192,6 +192,12 @@ int runAgent(int argc, char** argv) {
             QStringLiteral(" starting"));
     ScreenDiagnostics(*services.screens, fileLog).logTopology(QStringLiteral("startup"));
 
+    // Moving other applications' windows needs the user's consent on macOS (Accessibility).
+    if (!services.windows->isTrusted()) {
+        logger.notice(QStringLiteral("not yet allowed to move windows; asking for access"));
+        services.windows->requestTrustPrompt();
+    }
+
     SnapController snapController(SnapControllerServices{
         configStore, *services.displays, *services.displayFrames, *services.screens,
         *services.windows, eventTapManager, overlays, scheduler, keyWindowTitle, fileLog});
