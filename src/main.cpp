@@ -158,6 +158,19 @@ std::optional<QString> keyWindowTitle() {
 int runAgent(int argc, char** argv) {
     QElapsedTimer startup;
     startup.start();
+#if defined(PANEFORGE_PLATFORM_X11)
+    // The native layer speaks X11, so Qt must too (also under XWayland).
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        if (qEnvironmentVariableIsEmpty("DISPLAY")) {
+            std::fputs("paneforge: no X11 display to run on (DISPLAY is not set). Start Paneforge "
+                       "in an X11 desktop session, or see --help for the commands that need "
+                       "none.\n",
+                       stderr);
+            return 1;
+        }
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+#endif
 #if defined(Q_OS_LINUX)
     TerminationSignals terminationSignals;
 #endif

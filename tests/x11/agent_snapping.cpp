@@ -64,6 +64,7 @@ private Q_SLOTS:
     void multiSnapTakesTheBoundingBox();
     void releasingTheCombinationRestores();
     void eachMonitorSnapsToItsOwnLayout();
+    void refusesToStartWithoutADisplay();
     void cleanupTestCase();
 
 private:
@@ -315,6 +316,19 @@ void AgentSnappingTest::eachMonitorSnapsToItsOwnLayout() {
     QVERIFY(logText().contains(QStringLiteral("layout=rows")));
 }
 
+void AgentSnappingTest::refusesToStartWithoutADisplay() {
+    QProcess agent;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove(QStringLiteral("DISPLAY"));
+    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    agent.setProcessEnvironment(env);
+    agent.start(QStringLiteral(PANEFORGE_AGENT), {});
+    QVERIFY(agent.waitForFinished(10000));
+    QCOMPARE(agent.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(agent.exitCode(), 1);
+    QVERIFY(agent.readAllStandardError().contains("no X11 display to run on"));
+}
+
 void AgentSnappingTest::cleanupTestCase() {
     if (agent_) {
         // The agent must still be running after every drag, and quit cleanly when asked.
@@ -344,7 +358,8 @@ int main(int argc, char** argv) {
         } else {
             arguments << QStringLiteral("singleSnapPressedMidDrag")
                       << QStringLiteral("multiSnapTakesTheBoundingBox")
-                      << QStringLiteral("releasingTheCombinationRestores");
+                      << QStringLiteral("releasingTheCombinationRestores")
+                      << QStringLiteral("refusesToStartWithoutADisplay");
         }
         return QTest::qExec(&test, arguments);
     });
