@@ -250,11 +250,12 @@ void AgentSnappingTest::multiSnapTakesTheBoundingBox() {
                                   QStringLiteral("updateOverlayState match modifiers=768 "
                                                  "mode=multi")),
              qPrintable(logText()));
-    // Through the top-left and top-right zones, released over the bottom-right one. Motion is
-    // coalesced, so give the agent a moment in each zone.
+    // Through the top-left and top-right zones, released over the bottom-right one. The agent
+    // coalesces motion it reads in one go, and nothing outside shows which zones it has taken,
+    // so the pointer rests in each zone for a while, as a hand would.
     for (const QPoint zone : {QPoint(400, 300), QPoint(1400, 300), QPoint(1400, 800)}) {
         QVERIFY(moveTo(zone));
-        QTest::qWait(300);
+        QTest::qWait(500);
     }
     releaseButtonAndKeys(QStringLiteral("super+shift"));
     QVERIFY(logText().contains(QStringLiteral("selected=3")));
@@ -279,7 +280,7 @@ void AgentSnappingTest::releasingTheCombinationRestores() {
              qPrintable(logText()));
     const DesktopRect original = *frame();
     QVERIFY(moveTo(QPoint(1400, 700)));
-    QTest::qWait(300);
+    QTest::qWait(500);
     const int before = logCount(QStringLiteral("updateOverlayState noMatch modifiers=0"));
     QVERIFY(xdotool({QStringLiteral("keyup"), QStringLiteral("super")}));
     QVERIFY(waitForLog(QStringLiteral("updateOverlayState noMatch modifiers=0"), before));
@@ -288,7 +289,7 @@ void AgentSnappingTest::releasingTheCombinationRestores() {
              qPrintable(describe(frame()) + " expected " + describe(original)));
     QVERIFY(xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}));
     // Nothing snaps after the combination was let go.
-    QTest::qWait(300);
+    QTest::qWait(500);
     QVERIFY(frame() && frame()->width() < 400);
 }
 
