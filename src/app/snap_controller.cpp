@@ -22,6 +22,7 @@ std::uint32_t resolveModifiers(const std::optional<ModifierDefinition>& configur
 
 SnapController::SnapController(SnapControllerServices services)
     : services_(std::move(services))
+    , defaults_(PaneforgeConfig::makeDefault())
     , screenDiagnostics_(services_.screens, services_.log)
     , gridCalculator_(GridSplitNormalizer(kSplitEpsilon))
     , cellFrameCalculator_(coordinateTransformer_)
@@ -29,29 +30,27 @@ SnapController::SnapController(SnapControllerServices services)
 
 SnapController::~SnapController() = default;
 
-std::uint32_t SnapController::resolvedSingleSnapModifiers(const PaneforgeConfig& config) {
-    return resolveModifiers(config.singleSnapModifiers(),
-                            PaneforgeConfig::makeDefault().singleSnapModifiers());
+std::uint32_t SnapController::resolvedSingleSnapModifiers(const PaneforgeConfig& config) const {
+    return resolveModifiers(config.singleSnapModifiers(), defaults_.singleSnapModifiers());
 }
 
-std::uint32_t SnapController::resolvedMultiSnapModifiers(const PaneforgeConfig& config) {
-    return resolveModifiers(config.multiSnapModifiers(),
-                            PaneforgeConfig::makeDefault().multiSnapModifiers());
+std::uint32_t SnapController::resolvedMultiSnapModifiers(const PaneforgeConfig& config) const {
+    return resolveModifiers(config.multiSnapModifiers(), defaults_.multiSnapModifiers());
 }
 
-bool SnapController::resolvedRestoreWindowSizeOnUnsnap(const PaneforgeConfig& config) {
+bool SnapController::resolvedRestoreWindowSizeOnUnsnap(const PaneforgeConfig& config) const {
     if (const auto configured = config.restoreWindowSizeOnUnsnap()) {
         return *configured;
     }
-    return PaneforgeConfig::makeDefault().restoreWindowSizeOnUnsnap().value_or(true);
+    return defaults_.restoreWindowSizeOnUnsnap().value_or(true);
 }
 
-bool SnapController::matches(std::uint32_t modifiers, const PaneforgeConfig& config) {
+bool SnapController::matches(std::uint32_t modifiers, const PaneforgeConfig& config) const {
     return modifiers == resolvedSingleSnapModifiers(config) ||
            modifiers == resolvedMultiSnapModifiers(config);
 }
 
-QString SnapController::modeName(std::uint32_t modifiers, const PaneforgeConfig& config) {
+QString SnapController::modeName(std::uint32_t modifiers, const PaneforgeConfig& config) const {
     return modifiers == resolvedMultiSnapModifiers(config) ? QStringLiteral("multi")
                                                            : QStringLiteral("single");
 }
@@ -63,13 +62,6 @@ std::optional<PaneforgeConfig> SnapController::loadConfig() const {
         // The store has logged why; each caller decides how to go on without a configuration.
         return std::nullopt;
     }
-}
-
-PaneforgeConfig SnapController::loadConfigOrDefault() const {
-    if (auto config = loadConfig()) {
-        return std::move(*config);
-    }
-    return PaneforgeConfig::makeDefault();
 }
 
 void SnapController::start() {
@@ -145,7 +137,9 @@ void SnapController::handleMouseDown() {
 }
 
 void SnapController::updateOverlayState(DesktopPoint point, const InputEvent& event) {
-    const PaneforgeConfig config = loadConfigOrDefault();
+    // One read per event; only the selection refuses to work from the defaults.
+    const std::optional<PaneforgeConfig> loaded = loadConfig();
+    const PaneforgeConfig& config = loaded ? *loaded : defaults_;
     const std::uint32_t modifiers = ModifierMapper::toCarbonModifiers(event.flags);
     activeModifiers_ = modifiers;
 
@@ -162,7 +156,7 @@ void SnapController::updateOverlayState(DesktopPoint point, const InputEvent& ev
         ensureActiveWindow();
         ensureOverlay(*visibleFrame);
         isOverlayActive_ = true;
-        updateSelection(point, modifiers);
+        updateSelection(point, modifiers, loaded);
         updateOverlay(config, *visibleFrame, point);
         return;
     }
@@ -183,14 +177,15 @@ void SnapController::handleMouseDragged(const InputEvent& event) {
     }
     const std::uint32_t modifiers = ModifierMapper::toCarbonModifiers(event.flags);
     activeModifiers_ = modifiers;
-    const PaneforgeConfig config = loadConfigOrDefault();
+    const std::optional<PaneforgeConfig> loaded = loadConfig();
+    const PaneforgeConfig& config = loaded ? *loaded : defaults_;
     if (matches(modifiers, config) && !hasLoggedSnapDrag_) {
         services_.log(QStringLiteral("SnapController.snapDragStart modifiers=") +
                       QString::number(modifiers) + QStringLiteral(" mode=") +
                       modeName(modifiers, config));
         hasLoggedSnapDrag_ = true;
     }
-    updateSelection(services_.displayFrameService.pointerLocation(), modifiers);
+    updateSelection(services_.displayFrameService.pointerLocation(), modifiers, loaded);
 }
 
 void SnapController::ensureActiveWindow() {
@@ -231,9 +226,9 @@ GridDefinition SnapController::resolveGrid(const PaneforgeConfig& config,
     return config.defaultLayout();
 }
 
-void SnapController::updateSelection(DesktopPoint point, std::uint32_t modifiers) {
+void SnapController::updateSelection(DesktopPoint point, std::uint32_t modifiers,
+                                     const std::optional<PaneforgeConfig>& config) {
     // Without a configuration nothing changes: no defaults here.
-    const auto config = loadConfig();
     if (!config) {
         return;
     }

@@ -69,15 +69,16 @@ public:
     const std::optional<DesktopRect>& originalWindowFrame() const { return originalWindowFrame_; }
     const SnapOverlay* overlay() const { return overlayWindow_.get(); }
 
-    // The configuration's modifier combination, else the default one, else 0.
-    static std::uint32_t resolvedSingleSnapModifiers(const PaneforgeConfig& config);
-    static std::uint32_t resolvedMultiSnapModifiers(const PaneforgeConfig& config);
-    // The configuration's choice, else the default one, else true.
-    static bool resolvedRestoreWindowSizeOnUnsnap(const PaneforgeConfig& config);
-    // Exact equality with either combination: an extra modifier held is no match.
-    static bool matches(std::uint32_t modifiers, const PaneforgeConfig& config);
-
 private:
+    // The configuration's modifier combination, else the default one, else 0.
+    std::uint32_t resolvedSingleSnapModifiers(const PaneforgeConfig& config) const;
+    std::uint32_t resolvedMultiSnapModifiers(const PaneforgeConfig& config) const;
+    // The configuration's choice, else the default one, else true.
+    bool resolvedRestoreWindowSizeOnUnsnap(const PaneforgeConfig& config) const;
+    // Exact equality with either combination: an extra modifier held is no match.
+    bool matches(std::uint32_t modifiers, const PaneforgeConfig& config) const;
+    QString modeName(std::uint32_t modifiers, const PaneforgeConfig& config) const;
+
     void armEventTap();
     void handleByType(const InputEvent& event);
     void handleMouseDown();
@@ -87,7 +88,9 @@ private:
     std::optional<DesktopRect> getVisibleFrame(DesktopPoint point) const;
     std::optional<DisplayId> getDisplayId(DesktopPoint point) const;
     GridDefinition resolveGrid(const PaneforgeConfig& config, DesktopPoint point) const;
-    void updateSelection(DesktopPoint point, std::uint32_t modifiers);
+    // `config` is the configuration as loaded for this event, none when it failed to load.
+    void updateSelection(DesktopPoint point, std::uint32_t modifiers,
+                         const std::optional<PaneforgeConfig>& config);
     void ensureOverlay(const DesktopRect& visibleFrame);
     void updateOverlay(const PaneforgeConfig& config, const DesktopRect& visibleFrame,
                        DesktopPoint point);
@@ -100,10 +103,11 @@ private:
     void hideOverlay();
     void resetState();
     std::optional<PaneforgeConfig> loadConfig() const;
-    PaneforgeConfig loadConfigOrDefault() const;
-    static QString modeName(std::uint32_t modifiers, const PaneforgeConfig& config);
 
     SnapControllerServices services_;
+    // What stands in for settings the configuration leaves out, or for a configuration that
+    // cannot be read.
+    const PaneforgeConfig defaults_;
     ScreenDiagnostics screenDiagnostics_;
     CoordinateTransformer coordinateTransformer_;
     GridCalculator gridCalculator_;
