@@ -52,6 +52,17 @@ void arm(EventTapManager& manager) {
     manager.attemptInstall();
 }
 
+// An armed event tap manager that records what it delivers.
+struct RecordingTap {
+    RecordingTap(X11EventTapApi& api, ManualScheduler& scheduler, NotificationCenter& center)
+        : manager(api, scheduler, center) {
+        manager.setHandler([this](const InputEvent& event) { events << event; });
+        arm(manager);
+    }
+    EventTapManager manager;
+    QList<InputEvent> events;
+};
+
 } // namespace
 
 // EventTapManager over X11EventTapApi against a real server, openbox and xlogo, driven by
@@ -91,12 +102,6 @@ private Q_SLOTS:
         const auto logo = session_.startClient("xlogo", {"-geometry", "300x200+400+300"}, &error);
         QVERIFY2(logo, qPrintable(error));
         logo_ = *logo;
-    }
-
-    void accessNeedsNoPermission() {
-        X11EventTapApi api(display_.constData());
-        QVERIFY(api.preflightListenEventAccess());
-        QVERIFY(api.requestListenEventAccess());
     }
 
     void titleBarDragWithCommandPressedMidDrag() {
@@ -182,12 +187,9 @@ private Q_SLOTS:
         manager.stopInstalledTap();
         QVERIFY(!manager.isTapInstalled());
         const auto count = events.size();
-        EventTapManager second(api, scheduler, center);
-        QList<InputEvent> later;
-        second.setHandler([&](const InputEvent& event) { later << event; });
-        arm(second);
+        RecordingTap second(api, scheduler, center);
         QVERIFY(xdotool({"mousedown", "1", "mouseup", "1"}));
-        QTRY_COMPARE_WITH_TIMEOUT(sequence(later), QStringList({"down", "up"}), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(sequence(second.events), QStringList({"down", "up"}), 10000);
         QCOMPARE(events.size(), count);
     }
 
@@ -195,10 +197,8 @@ private Q_SLOTS:
         X11EventTapApi api(display_.constData());
         ManualScheduler scheduler;
         NotificationCenter center;
-        EventTapManager manager(api, scheduler, center);
-        QList<InputEvent> events;
-        manager.setHandler([&](const InputEvent& event) { events << event; });
-        arm(manager);
+        RecordingTap tap(api, scheduler, center);
+        const QList<InputEvent>& events = tap.events;
 
         // The left Super key becomes a Control key while the tap runs. The server tells every
         // client before it delivers the next key, so the press already counts as Control.
@@ -229,10 +229,8 @@ private Q_SLOTS:
         arm(manager);
         QVERIFY(manager.isTapInstalled());
         // A tap on a connection of its own tells when the server has sent everything.
-        EventTapManager witness(api, scheduler, center);
-        QList<InputEvent> seen;
-        witness.setHandler([&](const InputEvent& event) { seen << event; });
-        arm(witness);
+        RecordingTap witness(api, scheduler, center);
+        const QList<InputEvent>& seen = witness.events;
 
         // Both presses reach the dropped tap's connection in one read.
         QVERIFY(xdotool({"mousedown", "1", "mouseup", "1", "mousedown", "1", "mouseup", "1"}));
@@ -248,14 +246,11 @@ private Q_SLOTS:
         X11EventTapApi api(display_.constData());
         ManualScheduler scheduler;
         NotificationCenter center;
-        EventTapManager manager(api, scheduler, center);
-        QList<InputEvent> events;
-        manager.setHandler([&](const InputEvent& event) { events << event; });
-        arm(manager);
-        EventTapManager witness(api, scheduler, center);
-        QList<InputEvent> seen;
-        witness.setHandler([&](const InputEvent& event) { seen << event; });
-        arm(witness);
+        RecordingTap tap(api, scheduler, center);
+        EventTapManager& manager = tap.manager;
+        const QList<InputEvent>& events = tap.events;
+        RecordingTap witness(api, scheduler, center);
+        const QList<InputEvent>& seen = witness.events;
 
         // The manager starts over with a new tap; the old one goes silent, so nothing arrives
         // twice. (The witness starts over too.)
