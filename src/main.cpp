@@ -130,6 +130,8 @@ public:
     void quitOnSignal() {
         fd_ = ::signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK);
         if (fd_ < 0) {
+            // Without the descriptor the signals keep their default meaning: end the process.
+            pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
             return;
         }
         notifier_ = std::make_unique<QSocketNotifier>(fd_, QSocketNotifier::Read);
