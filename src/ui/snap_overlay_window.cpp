@@ -29,9 +29,12 @@ SnapOverlayWindow::SnapOverlayWindow(const DesktopRect& visibleFrame,
 SnapOverlayWindow::~SnapOverlayWindow() = default;
 
 void SnapOverlayWindow::orderFront() {
+    // Called on every pointer movement of a snap: the native touches are needed only when the
+    // window comes back on screen, the raise every time (other windows may have come up).
+    const bool wasVisible = overlayView_->isVisible();
     overlayView_->show();
     overlayView_->raise();
-    if (environment_.configureNativeWindow) {
+    if (!wasVisible && environment_.configureNativeWindow) {
         environment_.configureNativeWindow(*overlayView_);
     }
 }
