@@ -1,5 +1,7 @@
 #include "core/hotkey_formatter.h"
 
+#include "core/key_code_table.h"
+
 #include <QStringList>
 #include <array>
 #include <utility>
@@ -50,19 +52,19 @@ std::uint32_t ModifierMapper::toEventFlags(std::uint32_t carbonModifiers) {
 
 std::optional<QString> KeyNameProvider::fixedName(std::uint32_t keyCode) {
     switch (keyCode) {
-    case 36:
+    case mac_key_codes::kReturn:
         return QStringLiteral("\u21A9");
-    case 49:
+    case mac_key_codes::kSpace:
         return QStringLiteral("Space");
-    case 53:
+    case mac_key_codes::kEscape:
         return QStringLiteral("\u238B");
-    case 123:
+    case mac_key_codes::kLeftArrow:
         return QStringLiteral("\u2190");
-    case 124:
+    case mac_key_codes::kRightArrow:
         return QStringLiteral("\u2192");
-    case 125:
+    case mac_key_codes::kDownArrow:
         return QStringLiteral("\u2193");
-    case 126:
+    case mac_key_codes::kUpArrow:
         return QStringLiteral("\u2191");
     default:
         return std::nullopt;
