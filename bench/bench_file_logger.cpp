@@ -1,5 +1,5 @@
 #include "bench_harness.h"
-#include "core/file_logger.h"
+#include "core/diagnostics/file_logger.h"
 
 #include <QTemporaryDir>
 

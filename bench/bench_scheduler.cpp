@@ -1,5 +1,5 @@
-#include "app/manual_scheduler.h"
 #include "bench_harness.h"
+#include "manual_scheduler.h"
 
 // Baseline of the harness itself: the cost of scheduling and running one delayed task.
 int main() {

@@ -18,13 +18,11 @@ function(paneforge_add_qtest name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;${ARG_ENVIRONMENT}")
 endfunction()
 
-# Registers every tests/<area>/tst_*.cpp in the current directory as its own test, linked to the
-# given libraries.
-function(paneforge_add_qtests_in_directory)
-  cmake_parse_arguments(ARG "" "PREFIX" "LIBRARIES;LABELS" ${ARGN})
-  file(GLOB _tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
-  foreach(_source IN LISTS _tests)
-    get_filename_component(_stem ${_source} NAME_WE)
-    paneforge_add_qtest(${ARG_PREFIX}${_stem} SOURCES ${_source} LIBRARIES ${ARG_LIBRARIES} LABELS ${ARG_LABELS})
+# paneforge_add_qtests(LIBRARIES <targets...> [LABELS <labels...>] TESTS <tst_name...>)
+# Registers each tests/<area>/<tst_name>.cpp of the current directory as its own test.
+function(paneforge_add_qtests)
+  cmake_parse_arguments(ARG "" "" "LIBRARIES;LABELS;TESTS" ${ARGN})
+  foreach(_test IN LISTS ARG_TESTS)
+    paneforge_add_qtest(${_test} SOURCES ${_test}.cpp LIBRARIES ${ARG_LIBRARIES} LABELS ${ARG_LABELS})
   endforeach()
 endfunction()

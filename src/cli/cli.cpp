@@ -1,7 +1,7 @@
 #include "cli/cli.h"
 
-#include "core/logger_factory.h"
-#include "core/settings_backup_preview.h"
+#include "core/backup/settings_backup_preview.h"
+#include "core/diagnostics/logger_factory.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/config_store.h"
+#include "core/config/config_store.h"
 
 #include <QStringList>
 #include <QTextStream>

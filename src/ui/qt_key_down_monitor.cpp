@@ -1,8 +1,8 @@
 #include "ui/qt_key_down_monitor.h"
 
-#include "core/hotkey_definition.h"
-#include "core/hotkey_formatter.h"
-#include "core/key_code_table.h"
+#include "core/input/hotkey_definition.h"
+#include "core/input/hotkey_formatter.h"
+#include "core/input/key_code_table.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/key_down_monitor_api.h"
+#include "app/ports/key_down_monitor_api.h"
 
 #include <optional>
 

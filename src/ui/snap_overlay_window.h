@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/snap_overlay.h"
+#include "app/ports/snap_overlay.h"
 #include "ui/snap_overlay_view.h"
 
 #include <QRectF>

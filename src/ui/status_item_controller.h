@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/logger_factory.h"
+#include "core/diagnostics/logger_factory.h"
 
 #include <QMenu>
 #include <QObject>

@@ -1,6 +1,6 @@
-#include "app/event_tap_manager.h"
-#include "app/hotkey_manager.h"
-#include "app/manual_scheduler.h"
+#include "app/input/event_tap_manager.h"
+#include "app/input/hotkey_manager.h"
+#include "manual_scheduler.h"
 
 #include <QTest>
 #include <map>

@@ -1,5 +1,5 @@
-#include "app/manual_scheduler.h"
-#include "app/notification_center.h"
+#include "app/runtime/notification_center.h"
+#include "manual_scheduler.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "app/screen_diagnostics.h"
+#include "app/runtime/screen_diagnostics.h"
 
 #include <QTest>
 

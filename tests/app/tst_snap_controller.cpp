@@ -1,7 +1,7 @@
-#include "app/manual_scheduler.h"
-#include "app/notification_center.h"
-#include "app/snap_controller.h"
-#include "core/hotkey_formatter.h"
+#include "app/runtime/notification_center.h"
+#include "app/snapping/snap_controller.h"
+#include "core/input/hotkey_formatter.h"
+#include "manual_scheduler.h"
 #include "snap_fakes.h"
 
 #include <QTemporaryDir>

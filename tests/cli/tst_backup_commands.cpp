@@ -1,5 +1,5 @@
 #include "cli/cli.h"
-#include "core/settings_backup.h"
+#include "core/backup/settings_backup.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
-#include "core/config_store.h"
-#include "core/pretty_json.h"
+#include "core/config/config_store.h"
+#include "core/config/pretty_json.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "core/desktop_geometry.h"
+#include "core/geometry/desktop_geometry.h"
 
 #include <QTest>
 

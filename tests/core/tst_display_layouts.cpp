@@ -1,6 +1,6 @@
-#include "core/display_identifier.h"
-#include "core/display_layout_service.h"
-#include "core/layout_cycle.h"
+#include "core/layouts/display_identifier.h"
+#include "core/layouts/display_layout_service.h"
+#include "core/layouts/layout_cycle.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
-#include "core/file_logger.h"
-#include "core/snap_diagnostic_formatter.h"
+#include "core/diagnostics/file_logger.h"
+#include "core/diagnostics/snap_diagnostic_formatter.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
-#include "core/cell_frame_calculator.h"
-#include "core/cell_selection_state.h"
-#include "core/grid_calculator.h"
+#include "core/geometry/cell_frame_calculator.h"
+#include "core/geometry/cell_selection_state.h"
+#include "core/geometry/grid_calculator.h"
 
 #include <QJsonDocument>
 #include <QTest>

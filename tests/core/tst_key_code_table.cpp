@@ -1,4 +1,4 @@
-#include "core/key_code_table.h"
+#include "core/input/key_code_table.h"
 
 #include <QTest>
 #include <set>

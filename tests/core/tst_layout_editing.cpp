@@ -1,6 +1,6 @@
-#include "core/grid_editor_service.h"
-#include "core/layout_preset.h"
-#include "core/layout_thumbnail_renderer.h"
+#include "core/layouts/grid_editor_service.h"
+#include "core/layouts/layout_preset.h"
+#include "core/layouts/layout_thumbnail_renderer.h"
 
 #include <QTest>
 

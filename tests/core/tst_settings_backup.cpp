@@ -1,5 +1,5 @@
 #include "config_fixtures.h"
-#include "core/settings_backup_preview.h"
+#include "core/backup/settings_backup_preview.h"
 
 #include <QTest>
 

@@ -1,9 +1,9 @@
-#include "core/hotkey_formatter.h"
-#include "core/launch_at_login_sync.h"
-#include "core/privacy_permission_policy.h"
-#include "core/quick_start_guide.h"
-#include "core/status_menu_order.h"
-#include "core/update_policy.h"
+#include "core/input/hotkey_formatter.h"
+#include "core/policies/launch_at_login_sync.h"
+#include "core/policies/privacy_permission_policy.h"
+#include "core/policies/quick_start_guide.h"
+#include "core/policies/status_menu_order.h"
+#include "core/policies/update_policy.h"
 
 #include <QTest>
 #include <map>

@@ -1,5 +1,5 @@
-#include "core/display_cycle.h"
-#include "core/frame_apply_policy.h"
+#include "core/policies/display_cycle.h"
+#include "core/policies/frame_apply_policy.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/config_store.h"
-#include "core/display_identifier.h"
+#include "core/config/config_store.h"
+#include "core/layouts/display_identifier.h"
 
 // Configurations of known shapes for tests and benchmarks.
 namespace fixtures {

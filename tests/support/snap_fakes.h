@@ -3,12 +3,12 @@
 // In-memory stand-ins for the desktop the snap controller works on: screens, windows, the overlay
 // and the event tap. Shared by the controller tests and the drag benchmark.
 
-#include "app/display_services.h"
-#include "app/event_tap_manager.h"
-#include "app/screen_diagnostics.h"
-#include "app/snap_overlay.h"
-#include "app/window_service.h"
-#include "core/snap_diagnostic_formatter.h"
+#include "app/input/event_tap_manager.h"
+#include "app/ports/display_services.h"
+#include "app/ports/snap_overlay.h"
+#include "app/ports/window_service.h"
+#include "app/runtime/screen_diagnostics.h"
+#include "core/diagnostics/snap_diagnostic_formatter.h"
 
 #include <QList>
 #include <QStringList>

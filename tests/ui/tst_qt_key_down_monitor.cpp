@@ -1,4 +1,4 @@
-#include "app/hotkey_recorder.h"
+#include "app/input/hotkey_recorder.h"
 #include "ui/qt_key_down_monitor.h"
 
 #include <QKeyEvent>

@@ -2,8 +2,8 @@
 // combination pressed mid-drag, and the window's outer frame checked where it lands. Built three
 // times: one monitor without a compositor or tray, one with both, and two monitors.
 
-#include "app/manual_scheduler.h"
-#include "core/config_store.h"
+#include "core/config/config_store.h"
+#include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_window_service.h"
 #include "x11_test_session.h"

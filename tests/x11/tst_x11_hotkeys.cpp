@@ -1,6 +1,6 @@
-#include "app/hotkey_manager.h"
-#include "app/qt_scheduler.h"
-#include "core/key_code_table.h"
+#include "app/input/hotkey_manager.h"
+#include "app/runtime/qt_scheduler.h"
+#include "core/input/key_code_table.h"
 #include "platform/x11/x11_hotkey_api.h"
 #include "x11_test_session.h"
 

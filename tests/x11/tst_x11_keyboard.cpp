@@ -1,4 +1,4 @@
-#include "core/hotkey_formatter.h"
+#include "core/input/hotkey_formatter.h"
 #include "platform/x11/x11_modifier_bits.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 #include "x11_test_session.h"

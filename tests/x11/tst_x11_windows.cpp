@@ -1,4 +1,4 @@
-#include "app/manual_scheduler.h"
+#include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_window_service.h"
 #include "x11_test_session.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/accessibility_api.h"
+#include "platform/macos/accessibility_api.h"
 
 namespace paneforge {
 

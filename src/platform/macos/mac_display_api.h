@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/mac_display_service.h"
+#include "platform/macos/mac_display_service.h"
 
 #include <cstdint>
 #include <vector>

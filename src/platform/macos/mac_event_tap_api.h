@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/event_tap_manager.h"
-#include "core/logger_factory.h"
+#include "app/input/event_tap_manager.h"
+#include "core/diagnostics/logger_factory.h"
 
 namespace paneforge {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/hotkey_manager.h"
+#include "app/input/hotkey_manager.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/hotkey_formatter.h"
+#include "core/input/hotkey_formatter.h"
 
 namespace paneforge {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/desktop_geometry.h"
+#include "core/geometry/desktop_geometry.h"
 
 #include <QPoint>
 #include <QRect>

@@ -1,6 +1,6 @@
 #include "platform/x11/x11_display_services.h"
 
-#include "core/snap_diagnostic_formatter.h"
+#include "core/diagnostics/snap_diagnostic_formatter.h"
 #include "platform/x11/edid.h"
 #include "platform/x11/x11_desktop_space.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/display_services.h"
-#include "app/screen_diagnostics.h"
+#include "app/ports/display_services.h"
+#include "app/runtime/screen_diagnostics.h"
 #include "platform/x11/x11_connection.h"
 
 #include <QRect>

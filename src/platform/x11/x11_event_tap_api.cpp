@@ -1,6 +1,6 @@
 #include "platform/x11/x11_event_tap_api.h"
 
-#include "core/hotkey_formatter.h"
+#include "core/input/hotkey_formatter.h"
 #include "platform/x11/x11_desktop_space.h"
 #include "platform/x11/x11_modifier_bits.h"
 

@@ -1,6 +1,6 @@
 #include "platform/x11/x11_hotkey_api.h"
 
-#include "core/key_code_table.h"
+#include "core/input/key_code_table.h"
 #include "platform/x11/xcb_xkb.h"
 
 #include <QSocketNotifier>

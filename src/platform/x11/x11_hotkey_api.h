@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/hotkey_manager.h"
-#include "core/logger_factory.h"
+#include "app/input/hotkey_manager.h"
+#include "core/diagnostics/logger_factory.h"
 #include "platform/x11/x11_modifier_bits.h"
 
 #include <map>

@@ -1,6 +1,6 @@
 #include "platform/x11/x11_modifier_bits.h"
 
-#include "core/hotkey_definition.h"
+#include "core/input/hotkey_definition.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "platform/x11/x11_window_service.h"
 
-#include "core/frame_apply_policy.h"
-#include "core/snap_diagnostic_formatter.h"
+#include "core/diagnostics/snap_diagnostic_formatter.h"
+#include "core/policies/frame_apply_policy.h"
 #include "platform/x11/x11_desktop_space.h"
 
 #include <QPoint>

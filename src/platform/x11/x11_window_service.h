@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/scheduler.h"
-#include "app/window_service.h"
+#include "app/ports/window_service.h"
+#include "app/runtime/scheduler.h"
 #include "platform/x11/x11_connection.h"
 
 #include <QPoint>

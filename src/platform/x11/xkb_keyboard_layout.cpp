@@ -1,7 +1,7 @@
 #include "platform/x11/xkb_keyboard_layout.h"
 
-#include "core/key_code_table.h"
-#include "core/logger_factory.h"
+#include "core/diagnostics/logger_factory.h"
+#include "core/input/key_code_table.h"
 
 #include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>

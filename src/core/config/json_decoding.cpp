@@ -1,0 +1,257 @@
+#include "core/config/json_decoding.h"
+
+#include <cmath>
+
+namespace paneforge {
+
+namespace {
+
+QString kindText(JsonDecodingError::Kind kind) {
+    switch (kind) {
+    case JsonDecodingError::Kind::KeyNotFound:
+        return QStringLiteral("missing key");
+    case JsonDecodingError::Kind::TypeMismatch:
+        return QStringLiteral("wrong type");
+    case JsonDecodingError::Kind::ValueNotFound:
+        return QStringLiteral("missing value");
+    case JsonDecodingError::Kind::DataCorrupted:
+        return QStringLiteral("invalid value");
+    }
+    return {};
+}
+
+QString displayPath(const QString& path) {
+    return path.isEmpty() ? QStringLiteral("the top level") : path;
+}
+
+[[noreturn]] void throwTypeMismatch(const QJsonValue& value, const QString& path,
+                                    const char* expected) {
+    if (value.isNull()) {
+        throw JsonDecodingError(
+            JsonDecodingError::Kind::ValueNotFound, path,
+            QStringLiteral("expected %1 but found null").arg(QLatin1String(expected)));
+    }
+    throw JsonDecodingError(JsonDecodingError::Kind::TypeMismatch, path,
+                            QStringLiteral("expected %1 but found %2")
+                                .arg(QLatin1String(expected), json::describeType(value)));
+}
+
+bool isIdentifier(const QString& key) {
+    if (key.isEmpty() || key.front().isDigit()) {
+        return false;
+    }
+    for (const QChar c : key) {
+        if (!(c.isLetterOrNumber() || c == QLatin1Char('_'))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+JsonDecodingError::JsonDecodingError(Kind kind, const QString& path, const QString& detail)
+    : std::runtime_error(QStringLiteral("%1 at %2: %3")
+                             .arg(kindText(kind), displayPath(path), detail)
+                             .toStdString())
+    , kind_(kind)
+    , path_(path)
+    , message_(QString::fromStdString(what())) {}
+
+namespace json {
+
+QString describeType(const QJsonValue& value) {
+    switch (value.type()) {
+    case QJsonValue::Null:
+        return QStringLiteral("null");
+    case QJsonValue::Bool:
+        return QStringLiteral("a boolean");
+    case QJsonValue::Double:
+        return QStringLiteral("a number");
+    case QJsonValue::String:
+        return QStringLiteral("a string");
+    case QJsonValue::Array:
+        return QStringLiteral("an array");
+    case QJsonValue::Object:
+        return QStringLiteral("an object");
+    case QJsonValue::Undefined:
+        return QStringLiteral("nothing");
+    }
+    return QStringLiteral("an unknown value");
+}
+
+QString indexPath(const QString& path, qsizetype index) {
+    return path + QLatin1Char('[') + QString::number(index) + QLatin1Char(']');
+}
+
+QString keyPath(const QString& path, const QString& key) {
+    if (isIdentifier(key)) {
+        return path.isEmpty() ? key : path + QLatin1Char('.') + key;
+    }
+    QString quoted = key;
+    quoted.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+        .replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return path + QLatin1String("[\"") + quoted + QLatin1String("\"]");
+}
+
+double toDouble(const QJsonValue& value, const QString& path) {
+    if (!value.isDouble()) {
+        throwTypeMismatch(value, path, "a number");
+    }
+    return value.toDouble();
+}
+
+QString toString(const QJsonValue& value, const QString& path) {
+    if (!value.isString()) {
+        throwTypeMismatch(value, path, "a string");
+    }
+    return value.toString();
+}
+
+bool toBool(const QJsonValue& value, const QString& path) {
+    if (!value.isBool()) {
+        throwTypeMismatch(value, path, "a boolean");
+    }
+    return value.toBool();
+}
+
+std::int64_t toInt(const QJsonValue& value, const QString& path) {
+    const double number = toDouble(value, path);
+    // 2^63 is exactly representable; anything at or beyond it does not fit.
+    if (!std::isfinite(number) || std::trunc(number) != number || number < -9223372036854775808.0 ||
+        number >= 9223372036854775808.0) {
+        throw JsonDecodingError(JsonDecodingError::Kind::DataCorrupted, path,
+                                QStringLiteral("%1 is not a whole number that fits").arg(number));
+    }
+    return static_cast<std::int64_t>(number);
+}
+
+std::uint32_t toUInt32(const QJsonValue& value, const QString& path) {
+    const double number = toDouble(value, path);
+    if (!std::isfinite(number) || std::trunc(number) != number || number < 0.0 ||
+        number > 4294967295.0) {
+        throw JsonDecodingError(
+            JsonDecodingError::Kind::DataCorrupted, path,
+            QStringLiteral("%1 is not a whole number from 0 to 4294967295").arg(number));
+    }
+    return static_cast<std::uint32_t>(number);
+}
+
+QJsonArray toArray(const QJsonValue& value, const QString& path) {
+    if (!value.isArray()) {
+        throwTypeMismatch(value, path, "an array");
+    }
+    return value.toArray();
+}
+
+QJsonObject toObject(const QJsonValue& value, const QString& path) {
+    if (!value.isObject()) {
+        throwTypeMismatch(value, path, "an object");
+    }
+    return value.toObject();
+}
+
+} // namespace json
+
+JsonObjectReader::JsonObjectReader(const QJsonValue& value, const QString& path)
+    : object_(json::toObject(value, path))
+    , path_(path) {}
+
+QString JsonObjectReader::pathOf(const QString& key) const {
+    return json::keyPath(path_, key);
+}
+
+bool JsonObjectReader::contains(const QString& key) const {
+    return object_.contains(key);
+}
+
+QJsonValue JsonObjectReader::requireValue(const QString& key) const {
+    const auto it = object_.constFind(key);
+    if (it == object_.constEnd()) {
+        throw JsonDecodingError(JsonDecodingError::Kind::KeyNotFound, path_,
+                                QStringLiteral("no value for key \"%1\"").arg(key));
+    }
+    if (it->isNull()) {
+        throw JsonDecodingError(JsonDecodingError::Kind::ValueNotFound, pathOf(key),
+                                QStringLiteral("expected a value but found null"));
+    }
+    return *it;
+}
+
+std::optional<QJsonValue> JsonObjectReader::optionalValue(const QString& key) const {
+    const auto it = object_.constFind(key);
+    if (it == object_.constEnd() || it->isNull()) {
+        return std::nullopt;
+    }
+    return *it;
+}
+
+double JsonObjectReader::requireDouble(const QString& key) const {
+    return json::toDouble(requireValue(key), pathOf(key));
+}
+
+QString JsonObjectReader::requireString(const QString& key) const {
+    return json::toString(requireValue(key), pathOf(key));
+}
+
+bool JsonObjectReader::requireBool(const QString& key) const {
+    return json::toBool(requireValue(key), pathOf(key));
+}
+
+std::int64_t JsonObjectReader::requireInt(const QString& key) const {
+    return json::toInt(requireValue(key), pathOf(key));
+}
+
+std::uint32_t JsonObjectReader::requireUInt32(const QString& key) const {
+    return json::toUInt32(requireValue(key), pathOf(key));
+}
+
+QJsonArray JsonObjectReader::requireArray(const QString& key) const {
+    return json::toArray(requireValue(key), pathOf(key));
+}
+
+QJsonObject JsonObjectReader::requireObject(const QString& key) const {
+    return json::toObject(requireValue(key), pathOf(key));
+}
+
+JsonObjectReader JsonObjectReader::requireReader(const QString& key) const {
+    return JsonObjectReader(requireValue(key), pathOf(key));
+}
+
+std::vector<double> JsonObjectReader::requireDoubleArray(const QString& key) const {
+    const QJsonArray array = requireArray(key);
+    const QString arrayPath = pathOf(key);
+    std::vector<double> values;
+    values.reserve(static_cast<size_t>(array.size()));
+    for (qsizetype i = 0; i < array.size(); ++i) {
+        values.push_back(json::toDouble(array.at(i), json::indexPath(arrayPath, i)));
+    }
+    return values;
+}
+
+std::optional<double> JsonObjectReader::optionalDouble(const QString& key) const {
+    const auto value = optionalValue(key);
+    return value ? std::optional(json::toDouble(*value, pathOf(key))) : std::nullopt;
+}
+
+std::optional<QString> JsonObjectReader::optionalString(const QString& key) const {
+    const auto value = optionalValue(key);
+    return value ? std::optional(json::toString(*value, pathOf(key))) : std::nullopt;
+}
+
+std::optional<bool> JsonObjectReader::optionalBool(const QString& key) const {
+    const auto value = optionalValue(key);
+    return value ? std::optional(json::toBool(*value, pathOf(key))) : std::nullopt;
+}
+
+std::optional<std::uint32_t> JsonObjectReader::optionalUInt32(const QString& key) const {
+    const auto value = optionalValue(key);
+    return value ? std::optional(json::toUInt32(*value, pathOf(key))) : std::nullopt;
+}
+
+std::optional<JsonObjectReader> JsonObjectReader::optionalReader(const QString& key) const {
+    const auto value = optionalValue(key);
+    return value ? std::optional(JsonObjectReader(*value, pathOf(key))) : std::nullopt;
+}
+
+} // namespace paneforge

@@ -1,0 +1,59 @@
+#include "core/policies/quick_start_guide.h"
+
+namespace paneforge {
+
+QString rawValue(QuickStartPageId id) {
+    switch (id) {
+    case QuickStartPageId::Welcome:
+        return QStringLiteral("welcome");
+    case QuickStartPageId::CreateLayout:
+        return QStringLiteral("createLayout");
+    case QuickStartPageId::Snap:
+        return QStringLiteral("snap");
+    }
+    return {};
+}
+
+const std::vector<QuickStartPage>& QuickStartGuide::pages() {
+    static const std::vector<QuickStartPage> kPages = {
+        {QuickStartPageId::Welcome, QStringLiteral("Welcome to Paneforge"),
+         QStringLiteral("Paneforge snaps windows into zones you design. Permissions are ready. "
+                        "Next, create a layout, then snap."),
+         std::nullopt},
+        {QuickStartPageId::CreateLayout, QStringLiteral("Create a layout"),
+         QStringLiteral("Open Zone Editor from this window or the menu. Draw splits, name the "
+                        "layout, then Save."),
+         QStringLiteral("Open Zone Editor")},
+        {QuickStartPageId::Snap, QStringLiteral("Snap a window"),
+         QStringLiteral(
+             "Hold \u2318 and drag a window onto a zone. Hold \u2318\u21E7 to snap across "
+             "several zones. Change modifiers in Preferences."),
+         std::nullopt},
+    };
+    return kPages;
+}
+
+std::optional<QuickStartPage> QuickStartGuide::page(int index) {
+    if (index < 0 || index >= static_cast<int>(pages().size())) {
+        return std::nullopt;
+    }
+    return pages()[static_cast<size_t>(index)];
+}
+
+std::optional<int> QuickStartGuide::nextIndex(int index) {
+    return page(index + 1) ? std::optional(index + 1) : std::nullopt;
+}
+
+std::optional<int> QuickStartGuide::previousIndex(int index) {
+    return page(index - 1) ? std::optional(index - 1) : std::nullopt;
+}
+
+bool QuickStartGuide::isLast(int index) {
+    return page(index) && !page(index + 1);
+}
+
+bool QuickStartPolicy::shouldAutoPresent(std::optional<bool> hasCompletedQuickStart) {
+    return hasCompletedQuickStart.has_value() && !*hasCompletedQuickStart;
+}
+
+} // namespace paneforge

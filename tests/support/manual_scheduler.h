@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/runtime/scheduler.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace paneforge {
+
+// A scheduler driven by hand: time stands still until advance() moves it. Used by tests (and
+// benchmarks) to step 0.08 s or 5 s deterministically.
+class ManualScheduler final : public Scheduler {
+public:
+    ManualScheduler();
+    ~ManualScheduler() override;
+
+    void post(Task task) override;
+    ScheduledWorkHandle postAfter(double seconds, Task task) override;
+    ScheduledWorkHandle repeatEvery(double seconds, Task task) override;
+
+    double now() const { return now_; }
+
+    // Runs posted tasks (and the tasks they post) until none is left.
+    void runPosted();
+
+    // Moves the clock forward, running posted tasks and every timer that falls due, in time order.
+    void advance(double seconds);
+
+    // Number of timers that are still scheduled.
+    int activeTimerCount() const;
+
+private:
+    struct Entry;
+    std::vector<Task> posted_;
+    std::vector<std::shared_ptr<Entry>> timers_;
+    double now_ = 0.0;
+    std::uint64_t sequence_ = 0;
+
+    std::shared_ptr<Entry> nextDue(double until) const;
+    ScheduledWorkHandle schedule(double seconds, Task task, bool repeats);
+};
+
+} // namespace paneforge
