@@ -8,6 +8,11 @@ target_compile_definitions(paneforge_options INTERFACE
   QT_NO_KEYWORDS
   PANEFORGE_VERSION="${PROJECT_VERSION}")
 
+# Product code names every user-visible and machine-read text explicitly (QStringLiteral,
+# QLatin1String, fromUtf8); tests may use plain literals.
+add_library(paneforge_strict_strings INTERFACE)
+target_compile_definitions(paneforge_strict_strings INTERFACE QT_NO_CAST_FROM_ASCII)
+
 if(PANEFORGE_SANITIZE)
   set(_paneforge_san -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   target_compile_options(paneforge_options INTERFACE ${_paneforge_san})
@@ -22,5 +27,5 @@ function(paneforge_layer_library name)
   list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE paneforge_options)
+  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE paneforge_options paneforge_strict_strings)
 endfunction()

@@ -7,7 +7,7 @@ set -euo pipefail
 
 debian_packages=(
   # build
-  cmake ninja-build g++ pkg-config ccache
+  cmake ninja-build g++ pkg-config ccache clang-format
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-icccm4-dev
   libxcb-shape0-dev libxcb-xfixes0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev
