@@ -39,8 +39,8 @@ public:
         lastMask = mask;
         return granted ? std::make_unique<FakeTap>(liveTaps) : nullptr;
     }
-    bool addRunLoopSource(EventTapHandle&) override { return true; }
-    void removeRunLoopSource(EventTapHandle&) override {}
+    bool startDelivery(EventTapHandle&) override { return true; }
+    void stopDelivery(EventTapHandle&) override {}
     void enableTap(EventTapHandle&) override { ++enabled; }
     void systemLog(const QString& message) override { lines << message; }
 };
@@ -62,10 +62,10 @@ public:
                                 std::uint32_t id) override {
         lastSignature = signature;
         if (refusedKeys.count(keyCode)) {
-            return {-9878, std::nullopt};
+            return {Result::Taken, std::nullopt, QStringLiteral("-9878")};
         }
         registered[nextHandle] = id;
-        return {0, nextHandle++};
+        return {Result::Registered, nextHandle++, {}};
     }
     void unregisterHotKey(std::uint64_t handle) override { registered.erase(handle); }
 };

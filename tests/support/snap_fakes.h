@@ -203,8 +203,8 @@ public:
         handler = std::move(h);
         return std::make_unique<EventTapHandle>();
     }
-    bool addRunLoopSource(EventTapHandle&) override { return true; }
-    void removeRunLoopSource(EventTapHandle&) override {}
+    bool startDelivery(EventTapHandle&) override { return true; }
+    void stopDelivery(EventTapHandle&) override {}
     void enableTap(EventTapHandle&) override {}
     void systemLog(const QString&) override {}
 };

@@ -24,6 +24,13 @@ std::uint64_t EventTapManager::eventMask() {
                           InputEvent::LeftMouseUp, InputEvent::FlagsChanged});
 }
 
+void EventTapManager::arm() {
+    observeListenEventGrantCleared();
+    stopInstalledTap();
+    stopRetry();
+    attemptInstall();
+}
+
 void EventTapManager::observeListenEventGrantCleared() {
     if (listenEventClearedObserver_) {
         return;
@@ -43,7 +50,7 @@ void EventTapManager::observeListenEventGrantCleared() {
 
 void EventTapManager::stopInstalledTap() {
     if (eventTap_ && hasRunLoopSource_) {
-        api_.removeRunLoopSource(*eventTap_);
+        api_.stopDelivery(*eventTap_);
     }
     hasRunLoopSource_ = false;
     eventTap_.reset();
@@ -91,7 +98,7 @@ void EventTapManager::installRunLoopSource() {
     if (!eventTap_) {
         return;
     }
-    if (!api_.addRunLoopSource(*eventTap_)) {
+    if (!api_.startDelivery(*eventTap_)) {
         api_.systemLog(QStringLiteral("EventTapManager.start: failed to create run loop source"));
         return;
     }

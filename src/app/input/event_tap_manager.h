@@ -11,7 +11,7 @@
 namespace paneforge {
 
 // An installed listen-only tap, as the platform adapter keeps it. Dropping it releases the tap
-// and removes its run-loop source, if any.
+// and stops its delivery, if any.
 class EventTapHandle {
 public:
     virtual ~EventTapHandle() = default;
@@ -27,9 +27,10 @@ public:
     // when the system refuses (no permission yet).
     virtual std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask,
                                                       InputEventHandler handler) = 0;
-    // Creates the tap's run-loop source and adds it to the main run loop; false without a source.
-    virtual bool addRunLoopSource(EventTapHandle& tap) = 0;
-    virtual void removeRunLoopSource(EventTapHandle& tap) = 0;
+    // Connects the tap to the main event loop so that its events reach the handler; false when
+    // the platform cannot (macOS: no run-loop source could be made).
+    virtual bool startDelivery(EventTapHandle& tap) = 0;
+    virtual void stopDelivery(EventTapHandle& tap) = 0;
     virtual void enableTap(EventTapHandle& tap) = 0;
     // The platform's own log (not the diagnostic file).
     virtual void systemLog(const QString& message) = 0;
@@ -46,8 +47,10 @@ public:
 
     void setHandler(InputEventHandler handler) { handler_ = std::move(handler); }
 
-    // The arming order: observeListenEventGrantCleared, stopInstalledTap, stopRetry,
-    // attemptInstall.
+    // Starts over with a fresh tap: follows the grant-cleared notification, drops any installed
+    // tap and pending retry, and attempts an installation at once (retrying until it works).
+    void arm();
+
     void observeListenEventGrantCleared();
     void stopInstalledTap();
     void stopRetry();

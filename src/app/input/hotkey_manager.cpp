@@ -38,9 +38,9 @@ void HotkeyManager::registerHotkey(std::uint32_t hotkeyId, const HotkeyDefinitio
             .arg(hotkey.modifiers));
     const auto registration =
         api_.registerHotKey(hotkey.keyCode, hotkey.modifiers, kSignature, hotkeyId);
-    if (registration.status != 0) {
+    if (registration.result != HotkeyApi::Result::Registered) {
         log(QStringLiteral("RegisterEventHotKey failed: %1 (id=%2)")
-                .arg(registration.status)
+                .arg(registration.detail)
                 .arg(hotkeyId));
     }
     if (registration.handle) {

@@ -17,9 +17,15 @@ class HotkeyApi {
 public:
     virtual ~HotkeyApi() = default;
 
+    enum class Result {
+        Registered,
+        Taken,   // another application or the window manager holds the combination
+        Refused, // no such key here, no connection, or another platform error
+    };
     struct Registration {
-        std::int32_t status = 0;             // 0 is success
+        Result result = Result::Registered;
         std::optional<std::uint64_t> handle; // present when the platform returned one
+        QString detail; // the platform's own word for a refusal, for the log ("-9878", "BadAccess")
     };
 
     // Installs the one handler that receives every pressed hot key's id.

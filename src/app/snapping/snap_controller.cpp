@@ -77,10 +77,7 @@ void SnapController::armEventTap() {
             (*self)->handleEvent(event);
         }
     });
-    tap.observeListenEventGrantCleared();
-    tap.stopInstalledTap();
-    tap.stopRetry();
-    tap.attemptInstall();
+    tap.arm();
 }
 
 void SnapController::handleEvent(const InputEvent& event) {

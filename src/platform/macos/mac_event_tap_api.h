@@ -16,8 +16,8 @@ public:
     bool requestListenEventAccess() override;
     std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask,
                                               InputEventHandler handler) override;
-    bool addRunLoopSource(EventTapHandle& tap) override;
-    void removeRunLoopSource(EventTapHandle& tap) override;
+    bool startDelivery(EventTapHandle& tap) override;
+    void stopDelivery(EventTapHandle& tap) override;
     void enableTap(EventTapHandle& tap) override;
     // Qt forwards the "Paneforge.EventTapManager" category to the unified system log.
     void systemLog(const QString& message) override;

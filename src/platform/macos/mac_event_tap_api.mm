@@ -105,12 +105,12 @@ std::unique_ptr<EventTapHandle> MacEventTapApi::createTap(std::uint64_t mask,
     return std::make_unique<MacEventTap>(port, std::move(context));
 }
 
-bool MacEventTapApi::addRunLoopSource(EventTapHandle& tap) {
+bool MacEventTapApi::startDelivery(EventTapHandle& tap) {
     auto* mac = macTap(tap);
     return mac && mac->addSource();
 }
 
-void MacEventTapApi::removeRunLoopSource(EventTapHandle& tap) {
+void MacEventTapApi::stopDelivery(EventTapHandle& tap) {
     if (auto* mac = macTap(tap)) {
         mac->removeSource();
     }

@@ -68,7 +68,15 @@ HotkeyApi::Registration MacHotkeyApi::registerHotKey(std::uint32_t keyCode, std:
     const OSStatus status = RegisterEventHotKey(keyCode, modifiers, EventHotKeyID{signature, id},
                                                 GetApplicationEventTarget(), 0, &ref);
     Registration registration;
-    registration.status = status;
+    // CarbonEvents.h: eventHotKeyExistsErr when another registration holds the combination.
+    if (status == eventHotKeyExistsErr) {
+        registration.result = Result::Taken;
+    } else if (status != noErr) {
+        registration.result = Result::Refused;
+    }
+    if (status != noErr) {
+        registration.detail = QString::number(status);
+    }
     if (ref) {
         registration.handle = reinterpret_cast<std::uintptr_t>(ref);
     }

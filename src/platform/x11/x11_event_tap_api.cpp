@@ -333,7 +333,7 @@ std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t mask,
         connection, root, extension->major_opcode, mask, std::move(handler), logger_));
 }
 
-bool X11EventTapApi::addRunLoopSource(EventTapHandle& tap) {
+bool X11EventTapApi::startDelivery(EventTapHandle& tap) {
     const auto reader = readerOf(tap);
     if (!reader) {
         return false;
@@ -342,7 +342,7 @@ bool X11EventTapApi::addRunLoopSource(EventTapHandle& tap) {
     return true;
 }
 
-void X11EventTapApi::removeRunLoopSource(EventTapHandle& tap) {
+void X11EventTapApi::stopDelivery(EventTapHandle& tap) {
     if (const auto reader = readerOf(tap)) {
         reader->detach();
     }

@@ -32,8 +32,8 @@ public:
     bool requestListenEventAccess() override { return true; }
     std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask,
                                               InputEventHandler handler) override;
-    bool addRunLoopSource(EventTapHandle& tap) override;
-    void removeRunLoopSource(EventTapHandle& tap) override;
+    bool startDelivery(EventTapHandle& tap) override;
+    void stopDelivery(EventTapHandle& tap) override;
     void enableTap(EventTapHandle& tap) override;
     void systemLog(const QString& message) override;
 

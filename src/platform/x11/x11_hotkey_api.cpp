@@ -74,7 +74,7 @@ HotkeyApi::Registration X11HotkeyApi::registerHotKey(std::uint32_t keyCode, std:
     if (!isConnected()) {
         logger_.error(
             QStringLiteral("X11HotkeyApi.register: no X server connection (id=%1)").arg(id));
-        return {kParamError, std::nullopt};
+        return {Result::Refused, std::nullopt, QStringLiteral("no X server connection")};
     }
     const auto x11Keycode = KeyCodeTable::x11KeycodeFromMac(keyCode);
     if (!x11Keycode || *x11Keycode > 255) {
@@ -82,7 +82,7 @@ HotkeyApi::Registration X11HotkeyApi::registerHotKey(std::uint32_t keyCode, std:
             QStringLiteral("X11HotkeyApi.register: keyCode=%1 has no key on this keyboard (id=%2)")
                 .arg(keyCode)
                 .arg(id));
-        return {kParamError, std::nullopt};
+        return {Result::Refused, std::nullopt, QStringLiteral("no such key")};
     }
     // The modifier mapping can change while running (another keyboard): read it for every grab.
     modifierBits_ = X11ModifierBits::read(connection_);
@@ -117,7 +117,7 @@ HotkeyApi::Registration X11HotkeyApi::registerHotKey(std::uint32_t keyCode, std:
     if (!failure) {
         const std::uint64_t handle = nextHandle_++;
         grabs_.emplace(handle, std::move(grab));
-        return {0, handle};
+        return {Result::Registered, handle, {}};
     }
     // All or nothing: release the variants that did succeed.
     ungrab(grab);
@@ -130,12 +130,12 @@ HotkeyApi::Registration X11HotkeyApi::registerHotKey(std::uint32_t keyCode, std:
                           .arg(grab.keycode)
                           .arg(grab.modifiers, 0, 16)
                           .arg(id));
-        return {kHotKeyExists, std::nullopt};
+        return {Result::Taken, std::nullopt, QStringLiteral("BadAccess")};
     }
     logger_.error(QStringLiteral("X11HotkeyApi.register: key grab failed with X error %1 (id=%2)")
                       .arg(*failure)
                       .arg(id));
-    return {kParamError, std::nullopt};
+    return {Result::Refused, std::nullopt, QStringLiteral("X error %1").arg(*failure)};
 }
 
 void X11HotkeyApi::unregisterHotKey(std::uint64_t handle) {

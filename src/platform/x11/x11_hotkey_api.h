@@ -19,15 +19,11 @@ namespace paneforge {
 // through KeyCodeTable; modifiers are the stored mask (Command is Super, Option is Alt).
 //
 // The grabs are checked: when another client (often the window manager) holds the combination,
-// the server answers BadAccess and the registration is refused with kHotKeyExists, the status the
-// macOS hot-key service gives for the same case, plus a log line that names the combination. No
-// variant stays grabbed after a refusal. Pressed keys are read from Qt's event loop through a
-// socket notifier; a held key's auto-repeat does not trigger again.
+// the server answers BadAccess and the registration is answered Taken, plus a log line that names
+// the combination. No variant stays grabbed after a refusal. Pressed keys are read from Qt's event
+// loop through a socket notifier; a held key's auto-repeat does not trigger again.
 class X11HotkeyApi final : public HotkeyApi {
 public:
-    static constexpr std::int32_t kHotKeyExists = -9878;
-    static constexpr std::int32_t kParamError = -50;
-
     // displayName: nullptr for $DISPLAY.
     explicit X11HotkeyApi(const char* displayName = nullptr);
     ~X11HotkeyApi() override;
