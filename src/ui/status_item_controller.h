@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ports/status_item_view.h"
 #include "core/diagnostics/logger_factory.h"
 
 #include <QMenu>
@@ -11,13 +12,14 @@
 namespace paneforge {
 
 // The agent's icon in the menu bar or system tray and its menu. For now the menu only quits.
-class StatusItemController : public QObject {
+class StatusItemController final : public QObject, public StatusItemView {
     Q_OBJECT
 public:
     explicit StatusItemController(Logger logger, QObject* parent = nullptr);
     ~StatusItemController() override;
 
     void setOnQuit(std::function<void()> onQuit) { onQuit_ = std::move(onQuit); }
+    bool show() override { return configureStatusItem(); }
 
     // Shows the icon. Without a tray host the agent runs on without one (logged); the icon
     // appears by itself if a tray host starts later. Returns whether a tray host is there now.

@@ -210,8 +210,11 @@ void AgentSnappingTest::initTestCase() {
     QVERIFY2(agentOutput.contains(kComposited ? QStringLiteral("icon shown")
                                               : QStringLiteral("no system tray is running")),
              qPrintable(agentOutput));
-    QVERIFY(logText().contains(QStringLiteral("ScreenDiagnostics.startup count=") +
-                               QString::number(kTwoMonitors ? 2 : 1)));
+    for (const auto& reason : {QStringLiteral("appStart"), QStringLiteral("snapStart")}) {
+        QVERIFY(logText().contains(QStringLiteral("ScreenDiagnostics.%1 count=%2")
+                                       .arg(reason)
+                                       .arg(kTwoMonitors ? 2 : 1)));
+    }
 
     QString error;
     const auto logo = session_.startClient(

@@ -11,7 +11,7 @@ namespace paneforge {
 // "pressed" events. A registration's handle is its EventHotKeyRef.
 class MacHotkeyApi final : public HotkeyApi {
 public:
-    MacHotkeyApi() = default;
+    MacHotkeyApi();
     ~MacHotkeyApi() override;
     MacHotkeyApi(const MacHotkeyApi&) = delete;
     MacHotkeyApi& operator=(const MacHotkeyApi&) = delete;

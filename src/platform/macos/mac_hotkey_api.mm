@@ -35,6 +35,8 @@ OSStatus hotKeyPressed(EventHandlerCallRef, EventRef event, void* userData) {
 
 } // namespace
 
+MacHotkeyApi::MacHotkeyApi() = default;
+
 MacHotkeyApi::~MacHotkeyApi() {
     removeHandler();
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/ports/key_down_monitor_api.h"
+#include "app/ports/snap_overlay.h"
+#include "app/ports/status_item_view.h"
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+namespace paneforge {
+
+// Every window the controllers show, made by one factory (Qt Widgets in the agent, fakes in
+// tests). Controllers never see a widget.
+class ViewFactory {
+public:
+    virtual ~ViewFactory() = default;
+
+    virtual SnapOverlayFactory& snapOverlays() = 0;
+    virtual std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) = 0;
+    // Key presses in Paneforge's own windows, for recording hot keys.
+    virtual KeyDownMonitorApi& keyDownMonitor() = 0;
+    // The title of Paneforge's window that has the keyboard, if one has.
+    virtual std::optional<QString> keyWindowTitle() = 0;
+};
+
+} // namespace paneforge
