@@ -211,9 +211,8 @@ void AgentSnappingTest::initTestCase() {
                                               : QStringLiteral("no system tray is running")),
              qPrintable(agentOutput));
     for (const auto& reason : {QStringLiteral("appStart"), QStringLiteral("snapStart")}) {
-        QVERIFY(logText().contains(QStringLiteral("ScreenDiagnostics.%1 count=%2")
-                                       .arg(reason)
-                                       .arg(kTwoMonitors ? 2 : 1)));
+        QVERIFY(logText().contains(
+            QStringLiteral("ScreenDiagnostics.%1 count=%2").arg(reason).arg(kTwoMonitors ? 2 : 1)));
     }
 
     QString error;

@@ -4,7 +4,8 @@ namespace paneforge {
 
 Logger::Logger(const QString& category)
     : category_(category)
-    , qtName_(std::make_shared<const QByteArray>((QStringLiteral("Paneforge.") + category).toUtf8())) {
+    , qtName_(
+          std::make_shared<const QByteArray>((QStringLiteral("Paneforge.") + category).toUtf8())) {
     // QLoggingCategory keeps the name pointer, so the name lives as long as the category does.
     qtCategory_ = std::make_shared<const QLoggingCategory>(qtName_->constData());
 }
