@@ -3,35 +3,81 @@
 #include "manual_scheduler.h"
 #include "platform_fakes.h"
 
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+#include "platform/x11/xdg_autostart.h"
+#endif
+
 #include <QTemporaryDir>
 #include <QtTest>
+#include <set>
 
 using namespace paneforge;
 
+Q_DECLARE_METATYPE(LoginItemStatus)
+
 namespace {
 
+using Action = std::function<void()> StatusMenuActions::*;
+
+const QString kLogFile = QStringLiteral("/logs/Paneforge.log");
+
+// Every hot key set: key codes 0 to 5, with Command.
+PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault()) {
+    for (const HotkeySlot& slot : hotkeySlots()) {
+        config = slot.write(config, HotkeyDefinition{slot.id() - 1, modifier_bits::kCommand});
+    }
+    return config;
+}
+
 struct Application {
-    explicit Application(const std::optional<PaneforgeConfig>& config) {
+    explicit Application(
+        const std::optional<PaneforgeConfig>& config = PaneforgeConfig::makeDefault()) {
         if (config) {
-            store.saveConfig(*config);
+            save(*config);
         }
         platform.desk.addScreen(1, {0, 0, 1440, 900}, {0, 0, 1440, 875});
+        const fakes::Journal journal = [this](const QString& line) { log << line; };
+        platform.setJournal(journal);
+        views.journal = journal;
     }
 
     ApplicationController& started() {
         controller.emplace(ApplicationServices{platform, views, scheduler, notifications, store,
                                                [this](const QString& line) { log << line; },
-                                               [this] { ++quits; }});
+                                               kLogFile,
+                                               [this] { log << QStringLiteral("quit"); }});
         controller->start();
         return *controller;
     }
-    int indexOf(const QString& prefix) const {
-        for (int i = 0; i < log.size(); ++i) {
+    void save(const PaneforgeConfig& config) { store.saveConfig(config); }
+    PaneforgeConfig config() const { return store.loadConfig(); }
+    std::set<std::uint32_t> registeredIds() const {
+        std::set<std::uint32_t> ids;
+        for (const auto& [handle, id] : platform.hotkeyApi.registered) {
+            ids.insert(id);
+        }
+        return ids;
+    }
+    void press(std::uint32_t id) {
+        platform.hotkeyApi.pressed(id);
+        scheduler.runPosted();
+    }
+    int indexOf(const QString& prefix, int from = 0) const {
+        for (int i = from; i < log.size(); ++i) {
             if (log[i].startsWith(prefix)) {
                 return i;
             }
         }
         return -1;
+    }
+    QStringList linesStartingWith(const QString& prefix) const {
+        QStringList lines;
+        for (const QString& line : log) {
+            if (line.startsWith(prefix)) {
+                lines << line;
+            }
+        }
+        return lines;
     }
 
     QTemporaryDir directory;
@@ -42,9 +88,10 @@ struct Application {
     fakes::Platform platform;
     fakes::Views views;
     QStringList log;
-    int quits = 0;
     std::optional<ApplicationController> controller;
 };
+
+const std::set<std::uint32_t> kAllIds{1, 2, 3, 4, 5, 6};
 
 } // namespace
 
@@ -54,17 +101,42 @@ private Q_SLOTS:
     void startRunsInOrderAndArmsTheTap();
     void statusItemFollowsTheHideSetting_data();
     void statusItemFollowsTheHideSetting();
+    void hideSettingIsFollowedLive();
+    void hotkeysTriggerTheirActions_data();
+    void hotkeysTriggerTheirActions();
+    void aRefusedHotkeyLeavesTheOthers();
+    void eachNotificationReRegistersItsHotkey_data();
+    void eachNotificationReRegistersItsHotkey();
+    void openEditorHotkeyWaitsForPreferences_data();
+    void openEditorHotkeyWaitsForPreferences();
+    void menuRowsReachTheirControllers_data();
+    void menuRowsReachTheirControllers();
+    void zoneEditorSubmenuListsTheDisplays();
+    void callbacksDoNothingOnceTheControllerIsGone();
+    void launchAtLoginFollowsTheSystem_data();
+    void launchAtLoginFollowsTheSystem();
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+    void xdgAutostartEntry_data();
+    void xdgAutostartEntry();
+#endif
 };
 
 void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
-    Application app(std::nullopt);
+    Application app(PaneforgeConfig::makeDefault().withOpenEditorHotkey(HotkeyDefinition{14, 256}));
     const ApplicationController& controller = app.started();
 
-    const int start = app.indexOf(QStringLiteral("ApplicationController.start"));
-    const int appStart = app.indexOf(QStringLiteral("ScreenDiagnostics.appStart count=1"));
-    const int snapStart = app.indexOf(QStringLiteral("ScreenDiagnostics.snapStart count=1"));
-    QVERIFY2(start == 0 && appStart > start && snapStart > appStart,
-             qPrintable(app.log.join('\n')));
+    int at = 0;
+    for (const char* step :
+         {"ApplicationController.start", "ScreenDiagnostics.appStart count=1", "statusItem.made",
+          "OpenEditor hotkey: keyCode=14 modifiers=256",
+          "HotkeyManager.register id=1 keyCode=14 modifiers=256",
+          "OpenPreferences hotkey: nil -> unregister", "HotkeyManager.unregister id=6",
+          "ScreenDiagnostics.snapStart count=1", "updater.start"}) {
+        at = app.indexOf(QString::fromUtf8(step), at);
+        QVERIFY2(at >= 0, qPrintable(QStringLiteral("missing or out of order: %1\n%2")
+                                         .arg(QString::fromUtf8(step), app.log.join('\n'))));
+    }
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1}));
     QVERIFY(controller.isEventTapInstalled());
     QCOMPARE(app.platform.taps.creations, 1);
 
@@ -75,11 +147,6 @@ void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
     app.platform.taps.handler(
         {InputEvent::FlagsChanged, app.platform.desk.pointer, ModifierMapper::kCommandFlag});
     QCOMPARE(app.views.overlays.built.size(), std::size_t{1});
-
-    // The status menu's Quit reaches the event loop.
-    QVERIFY(app.views.statusItem);
-    app.views.statusItem->actions.quit();
-    QCOMPARE(app.quits, 1);
 }
 
 void ApplicationControllerTest::statusItemFollowsTheHideSetting_data() {
@@ -93,14 +160,317 @@ void ApplicationControllerTest::statusItemFollowsTheHideSetting_data() {
 void ApplicationControllerTest::statusItemFollowsTheHideSetting() {
     QFETCH(std::optional<bool>, hide);
     QFETCH(int, statusItems);
-    const auto defaults = PaneforgeConfig::makeDefault();
+    const auto defaults = allHotkeys();
     Application app(hide ? defaults.withHideMenuBarIcon(*hide) : defaults);
     const ApplicationController& controller = app.started();
     QCOMPARE(app.views.statusItemsMade, statusItems);
     QCOMPARE(controller.isStatusItemShown(), statusItems == 1);
-    // Snapping starts either way.
+    // Hot keys and snapping start either way.
+    QCOMPARE(app.registeredIds(), kAllIds);
     QVERIFY(controller.isEventTapInstalled());
 }
+
+void ApplicationControllerTest::hideSettingIsFollowedLive() {
+    Application app(allHotkeys().withHideMenuBarIcon(true));
+    const ApplicationController& controller = app.started();
+    QCOMPARE(app.views.statusItemsMade, 0);
+
+    app.save(app.config().withHideMenuBarIcon(false));
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.views.statusItemsMade, 1);
+    // The same value again: still the one icon.
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.views.statusItemsMade, 1);
+    QVERIFY(controller.isStatusItemShown());
+
+    app.save(app.config().withHideMenuBarIcon(true));
+    app.notifications.post(Notification::ConfigChanged);
+    QVERIFY(!controller.isStatusItemShown());
+    QCOMPARE(app.linesStartingWith(QStringLiteral("statusItem.removed")).size(), 1);
+    QCOMPARE(app.registeredIds(), kAllIds);
+}
+
+void ApplicationControllerTest::hotkeysTriggerTheirActions_data() {
+    QTest::addColumn<uint>("id");
+    QTest::addColumn<QString>("effect"); // empty: the focused window moves to the next display
+    QTest::newRow("open editor") << 1u << "StandInZoneEditorController.showEditorForMainDisplay";
+    QTest::newRow("open preferences") << 2u << "preferences.show";
+    QTest::newRow("layout selector")
+        << 3u << "StandInLayoutSelectorController.showForPointerDisplay";
+    QTest::newRow("move to next display") << 4u << "";
+    QTest::newRow("next layout") << 5u << "StandInLayoutCycleController.cycleNext";
+    QTest::newRow("previous layout") << 6u << "StandInLayoutCycleController.cyclePrevious";
+}
+
+void ApplicationControllerTest::hotkeysTriggerTheirActions() {
+    QFETCH(uint, id);
+    QFETCH(QString, effect);
+    Application app(allHotkeys());
+    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.platform.windowList.add(7, {100, 100, 400, 300});
+    app.started();
+    QCOMPARE(app.registeredIds(), kAllIds);
+
+    app.press(id);
+    if (effect.isEmpty()) {
+        QCOMPARE(app.platform.windowList.setFrameCalls.size(), std::size_t{1});
+        QVERIFY(app.platform.windowList.setFrameCalls.front().frame.minX() >= 1440);
+    } else {
+        QVERIFY2(app.indexOf(effect) >= 0, qPrintable(app.log.join('\n')));
+        QVERIFY(app.platform.windowList.setFrameCalls.empty());
+    }
+}
+
+void ApplicationControllerTest::aRefusedHotkeyLeavesTheOthers() {
+    Application app(allHotkeys());
+    app.platform.hotkeyApi.takenKeys = {2}; // id 3's key
+    app.started();
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1, 2, 4, 5, 6}));
+    QVERIFY(app.log.contains(QStringLiteral("RegisterEventHotKey failed: taken (id=3)")));
+}
+
+void ApplicationControllerTest::eachNotificationReRegistersItsHotkey_data() {
+    QTest::addColumn<int>("slot");
+    for (int i = 0; i < 6; ++i) {
+        QTest::addRow("id %d", i + 1) << i;
+    }
+}
+
+void ApplicationControllerTest::eachNotificationReRegistersItsHotkey() {
+    QFETCH(int, slot);
+    const HotkeySlot& changed = hotkeySlots()[std::size_t(slot)];
+    const HotkeySlot& other = hotkeySlots()[std::size_t((slot + 1) % 6)];
+    Application app;
+    app.started();
+    QVERIFY(app.registeredIds().empty());
+
+    app.save(changed.write(app.config(), HotkeyDefinition{40, modifier_bits::kControl}));
+    app.notifications.post(other.changed);
+    QVERIFY(app.registeredIds().empty());
+    app.notifications.post(changed.changed);
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{changed.id()}));
+
+    // Cleared in the file: the configuration notice takes it away.
+    app.save(changed.write(app.config(), std::nullopt));
+    app.notifications.post(Notification::ConfigChanged);
+    QVERIFY(app.registeredIds().empty());
+}
+
+void ApplicationControllerTest::openEditorHotkeyWaitsForPreferences_data() {
+    QTest::addColumn<bool>("preferencesVisible");
+    QTest::newRow("preferences closed") << false;
+    QTest::newRow("preferences open") << true;
+}
+
+void ApplicationControllerTest::openEditorHotkeyWaitsForPreferences() {
+    QFETCH(bool, preferencesVisible);
+    Application app(allHotkeys());
+    app.started();
+    app.views.preferences->visible = preferencesVisible;
+    app.press(1);
+    QVERIFY(app.log.contains(QStringLiteral("ApplicationController.handleOpenEditorHotkey")));
+    QCOMPARE(app.indexOf(QStringLiteral("StandInZoneEditorController.showEditorForMainDisplay")) >=
+                 0,
+             !preferencesVisible);
+}
+
+void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<bool>("updaterAvailable");
+    QTest::addColumn<QStringList>("effects");
+    const auto row = [](const char* name, QStringList effects, bool updater = false) {
+        QTest::newRow(name) << QString::fromUtf8(name) << updater << effects;
+    };
+    row("openLayoutSelector", {"StandInLayoutSelectorController.showForPointerDisplay"});
+    row("nextLayout", {"StandInLayoutCycleController.cycleNext"});
+    row("previousLayout", {"StandInLayoutCycleController.cyclePrevious"});
+    row("openPreferences", {"preferences.show"});
+    row("backupSettings", {"StandInBackupSettingsController.runBackup"});
+    row("restoreSettings", {"StandInRestoreSettingsController.runRestore"});
+    row("openQuickStart", {"StandInQuickStartController.show"});
+    row("revealLogFile", {"ApplicationController.revealLogFile path=/logs/Paneforge.log",
+                          "reveal /logs/Paneforge.log"});
+    row("checkForUpdates", {"updater.check", "alert Check for Updates: no updater here"});
+    QTest::newRow("checkForUpdates, with an updater")
+        << "checkForUpdates" << true << QStringList{"updater.check"};
+    row("openAbout", {"about.show"});
+    row("quit", {"quit"});
+}
+
+void ApplicationControllerTest::menuRowsReachTheirControllers() {
+    QFETCH(QString, row);
+    QFETCH(bool, updaterAvailable);
+    QFETCH(QStringList, effects);
+    const std::map<QString, Action> rows{
+        {"openLayoutSelector", &StatusMenuActions::openLayoutSelector},
+        {"nextLayout", &StatusMenuActions::nextLayout},
+        {"previousLayout", &StatusMenuActions::previousLayout},
+        {"openPreferences", &StatusMenuActions::openPreferences},
+        {"backupSettings", &StatusMenuActions::backupSettings},
+        {"restoreSettings", &StatusMenuActions::restoreSettings},
+        {"openQuickStart", &StatusMenuActions::openQuickStart},
+        {"revealLogFile", &StatusMenuActions::revealLogFile},
+        {"checkForUpdates", &StatusMenuActions::checkForUpdates},
+        {"openAbout", &StatusMenuActions::openAbout},
+        {"quit", &StatusMenuActions::quit}};
+    Application app;
+    app.platform.updates.available = updaterAvailable;
+    app.started();
+    const int before = int(app.log.size());
+    ((*app.views.statusMenu).*rows.at(row))();
+    QStringList actual = app.log.mid(before);
+    actual.replaceInStrings(QStringLiteral(": not built yet"), QString());
+    QCOMPARE(actual, effects);
+}
+
+void ApplicationControllerTest::zoneEditorSubmenuListsTheDisplays() {
+    Application app;
+    app.platform.desk.addScreen(0xFFFFFFF0u, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.started();
+    const auto displays = app.views.statusMenu->displays();
+    QCOMPARE(displays.size(), std::size_t{2});
+    QCOMPARE(displays[1].displayId, 0xFFFFFFF0u);
+    QCOMPARE(displays[1].title, QStringLiteral("4294967280"));
+    QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
+    app.views.statusMenu->openZoneEditorForDisplay(0xFFFFFFF0u);
+    QVERIFY(app.log.contains(QStringLiteral(
+        "StandInZoneEditorController.showEditor displayId=4294967280: not built yet")));
+    // Displays connected later show up at the next opening.
+    app.platform.desk.addScreen(5, {0, 900, 1440, 900}, {0, 900, 1440, 900});
+    QCOMPARE(app.views.statusMenu->displays().size(), std::size_t{3});
+}
+
+void ApplicationControllerTest::callbacksDoNothingOnceTheControllerIsGone() {
+    Application app(allHotkeys());
+    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.platform.windowList.add(7, {100, 100, 400, 300});
+    app.started();
+    app.platform.hotkeyApi.pressed(4); // its action waits for the event loop
+    app.controller.reset();
+    app.scheduler.runPosted();
+    app.views.statusMenu->quit();
+    QVERIFY(app.platform.windowList.setFrameCalls.empty());
+    QVERIFY(!app.log.contains(QStringLiteral("quit")));
+    QVERIFY(app.views.statusMenu->displays().empty());
+}
+
+void ApplicationControllerTest::launchAtLoginFollowsTheSystem_data() {
+    QTest::addColumn<bool>("applies");
+    QTest::addColumn<LoginItemStatus>("system");
+    QTest::addColumn<bool>("stored");
+    QTest::addColumn<bool>("failChanges");
+    QTest::addColumn<bool>("afterStart");
+    QTest::addColumn<bool>("later");
+    QTest::addColumn<QStringList>("calls");
+    using S = LoginItemStatus;
+    const QStringList none;
+    const QStringList registers{"loginItems.register"};
+    const QStringList unregisters{"loginItems.unregister"};
+    QTest::newRow("outside a bundle nothing is touched")
+        << false << S::Enabled << false << false << false << true << none;
+    QTest::newRow("the system wins at start")
+        << true << S::NotRegistered << true << false << false << true << registers;
+    QTest::newRow("a login item added in the system settings")
+        << true << S::Enabled << false << false << true << false << unregisters;
+    QTest::newRow("awaiting approval counts as registered")
+        << true << S::RequiresApproval << true << false << true << true << none;
+    QTest::newRow("awaiting approval, then turned off")
+        << true << S::RequiresApproval << true << false << true << false << unregisters;
+    QTest::newRow("not found counts as off")
+        << true << S::NotFound << true << false << false << true << registers;
+    QTest::newRow("a refused change is not retried")
+        << true << S::NotRegistered << false << true << false << true << registers;
+}
+
+void ApplicationControllerTest::launchAtLoginFollowsTheSystem() {
+    QFETCH(bool, applies);
+    QFETCH(LoginItemStatus, system);
+    QFETCH(bool, stored);
+    QFETCH(bool, failChanges);
+    QFETCH(bool, afterStart);
+    QFETCH(bool, later);
+    QFETCH(QStringList, calls);
+    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+    app.platform.logins.applies = applies;
+    app.platform.logins.state = system;
+    app.platform.logins.failChanges = failChanges;
+    app.started();
+    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+    QVERIFY(app.linesStartingWith(QStringLiteral("loginItems.")).isEmpty());
+
+    // The preference changes; a second notice of the same value changes nothing more.
+    app.save(app.config().withLaunchAtLogin(later));
+    app.notifications.post(Notification::ConfigChanged);
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.linesStartingWith(QStringLiteral("loginItems.")), calls);
+}
+
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+void ApplicationControllerTest::xdgAutostartEntry_data() {
+    QTest::addColumn<QString>("executable"); // "<home>" stands for the home folder
+    QTest::addColumn<QString>("entry");      // the autostart file at start; empty for none
+    QTest::addColumn<bool>("stored");
+    QTest::addColumn<bool>("afterStart");
+    QTest::addColumn<bool>("later");
+    QTest::addColumn<QString>("line"); // in the file at the end; empty: no file
+    const QString enabled = "[Desktop Entry]\nType=Application\nExec=/usr/bin/paneforge\n";
+    QTest::newRow("installed, turned on")
+        << "/usr/bin/paneforge"
+        << "" << false << false << true << "Exec=/usr/bin/paneforge";
+    QTest::newRow("installed, turned off")
+        << "/usr/bin/paneforge" << enabled << true << true << false << "";
+    QTest::newRow("switched off in the desktop's settings")
+        << "/usr/local/bin/paneforge"
+        << "[Desktop Entry]\nExec=paneforge\nHidden=true\n"
+        << true << false << true << "Exec=/usr/local/bin/paneforge";
+    QTest::newRow("switched off in GNOME's settings")
+        << "/usr/bin/paneforge"
+        << "[Desktop Entry]\nX-GNOME-Autostart-enabled=false\n"
+        << true << false << false << "X-GNOME-Autostart-enabled=false";
+    QTest::newRow("in ~/.local/bin")
+        << "<home>/.local/bin/paneforge"
+        << "" << false << false << true << "Exec=<home>/.local/bin/paneforge";
+    QTest::newRow("under /opt, quoted")
+        << "/opt/Pane forge/bin/paneforge"
+        << "" << false << false << true << "Exec=\"/opt/Pane forge/bin/paneforge\"";
+    QTest::newRow("a build tree never touches it")
+        << "<home>/src/paneforge/build/default/src/paneforge" << enabled << false << false << true
+        << "Exec=/usr/bin/paneforge";
+}
+
+void ApplicationControllerTest::xdgAutostartEntry() {
+    QFETCH(QString, executable);
+    QFETCH(QString, entry);
+    QFETCH(bool, stored);
+    QFETCH(bool, afterStart);
+    QFETCH(bool, later);
+    QFETCH(QString, line);
+    QTemporaryDir home;
+    executable.replace("<home>", home.path());
+    line.replace("<home>", home.path());
+    const QString autostart = home.filePath(".config/autostart");
+    XdgAutostartLoginItem loginItem(autostart, executable, home.path());
+    if (!entry.isEmpty()) {
+        QVERIFY(QDir().mkpath(autostart));
+        QFile file(loginItem.entryPath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(entry.toUtf8());
+    }
+    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+    app.platform.loginService = &loginItem;
+    app.started();
+    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+
+    app.save(app.config().withLaunchAtLogin(later));
+    app.notifications.post(Notification::ConfigChanged);
+    QFile file(loginItem.entryPath());
+    QCOMPARE(file.exists(), !line.isEmpty());
+    if (file.open(QIODevice::ReadOnly)) {
+        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+        QVERIFY2(lines.contains(line), qPrintable(lines.join('\n')));
+    }
+}
+#endif
 
 QTEST_GUILESS_MAIN(ApplicationControllerTest)
 #include "tst_application_controller.moc"

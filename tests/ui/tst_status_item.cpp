@@ -6,13 +6,66 @@
 
 using namespace paneforge;
 
+namespace {
+
+// A status item whose actions write their names into `called`; the displays are `displays`.
+struct Menu {
+    Menu() {
+        const auto record = [this](const char* name) {
+            return [this, name] { called << QString::fromUtf8(name); };
+        };
+        StatusMenuActions actions;
+        actions.openLayoutSelector = record("openLayoutSelector");
+        actions.nextLayout = record("nextLayout");
+        actions.previousLayout = record("previousLayout");
+        actions.moveToNextDisplay = record("moveToNextDisplay");
+        actions.displays = [this] { return displays; };
+        actions.openZoneEditorForDisplay = [this](DisplayId id) {
+            called << QStringLiteral("zoneEditor %1").arg(id);
+        };
+        actions.openPreferences = record("openPreferences");
+        actions.backupSettings = record("backupSettings");
+        actions.restoreSettings = record("restoreSettings");
+        actions.openQuickStart = record("openQuickStart");
+        actions.revealLogFile = record("revealLogFile");
+        actions.checkForUpdates = record("checkForUpdates");
+        actions.openAbout = record("openAbout");
+        actions.quit = record("quit");
+        controller = std::make_unique<StatusItemController>(
+            LoggerFactory::makeLogger(QStringLiteral("Test")), std::move(actions));
+    }
+    QAction* row(const QString& title) const {
+        for (QAction* action : controller->menu().actions()) {
+            if (action->text() == title) {
+                return action;
+            }
+        }
+        return nullptr;
+    }
+    // Opening the menu rebuilds the submenu.
+    QList<QAction*> openSubmenu() {
+        Q_EMIT controller->menu().aboutToShow();
+        return controller->zoneEditorMenu().actions();
+    }
+
+    QStringList called;
+    std::vector<StatusMenuDisplay> displays;
+    std::unique_ptr<StatusItemController> controller;
+};
+
+} // namespace
+
 class StatusItemTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void iconShape_data();
     void iconShape();
     void iconScalesWithTheSmallerSide();
-    void menuQuits();
+    void menuRowsInOrder();
+    void rowsCallTheirActions_data();
+    void rowsCallTheirActions();
+    void zoneEditorSubmenu_data();
+    void zoneEditorSubmenu();
     void runsWithoutATray();
 };
 
@@ -52,19 +105,80 @@ void StatusItemTest::iconScalesWithTheSmallerSide() {
     QCOMPARE(image.pixelColor(40, 15).alpha(), 0);
 }
 
-void StatusItemTest::menuQuits() {
-    StatusItemController controller(LoggerFactory::makeLogger(QStringLiteral("Test")));
-    int quits = 0;
-    controller.setOnQuit([&quits] { ++quits; });
-    const QList<QAction*> actions = controller.menu().actions();
-    QCOMPARE(actions.size(), 1);
-    QCOMPARE(actions.front()->text(), QStringLiteral("Quit Paneforge"));
-    actions.front()->trigger();
-    QCOMPARE(quits, 1);
+void StatusItemTest::menuRowsInOrder() {
+    Menu menu;
+    QStringList rows;
+    for (const QAction* action : menu.controller->menu().actions()) {
+        rows << (action->isSeparator() ? QStringLiteral("---") : action->text());
+    }
+    QCOMPARE(rows, (QStringList{"Switch Layout…", "Next Layout", "Previous Layout",
+                                "Move to Next Display", "Zone Editor…", "---", "Preferences…",
+                                "Backup Settings…", "Restore Settings…", "---", "Quick Start…",
+                                "Reveal Log File", "Check for Updates…", "About Paneforge", "---",
+                                "Quit Paneforge"}));
+    QCOMPARE(menu.row("Zone Editor…")->menu(), &menu.controller->zoneEditorMenu());
+}
+
+void StatusItemTest::rowsCallTheirActions_data() {
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("action");
+    const QStringList pairs{
+        "Switch Layout…",    "openLayoutSelector", "Next Layout",          "nextLayout",
+        "Previous Layout",   "previousLayout",     "Move to Next Display", "moveToNextDisplay",
+        "Preferences…",      "openPreferences",    "Backup Settings…",     "backupSettings",
+        "Restore Settings…", "restoreSettings",    "Quick Start…",         "openQuickStart",
+        "Reveal Log File",   "revealLogFile",      "Check for Updates…",   "checkForUpdates",
+        "About Paneforge",   "openAbout",          "Quit Paneforge",       "quit"};
+    for (int i = 0; i < pairs.size(); i += 2) {
+        QTest::newRow(qPrintable(pairs[i])) << pairs[i] << pairs[i + 1];
+    }
+}
+
+void StatusItemTest::rowsCallTheirActions() {
+    QFETCH(QString, title);
+    QFETCH(QString, action);
+    Menu menu;
+    QAction* row = menu.row(title);
+    QVERIFY(row);
+    row->trigger();
+    QCOMPARE(menu.called, QStringList{action});
+}
+
+void StatusItemTest::zoneEditorSubmenu_data() {
+    QTest::addColumn<int>("displayCount");
+    QTest::newRow("no displays") << 0;
+    QTest::newRow("two displays") << 2;
+}
+
+void StatusItemTest::zoneEditorSubmenu() {
+    QFETCH(int, displayCount);
+    Menu menu;
+    for (int i = 0; i < displayCount; ++i) {
+        // The second id is beyond a signed 32-bit number: it must come back unchanged.
+        const DisplayId id = i == 0 ? 69733378u : 0xFFFFFFF0u;
+        menu.displays.push_back(
+            {id, QStringLiteral("Display %1").arg(i), DisplayIdentifier(1, 2, std::nullopt)});
+    }
+    const QList<QAction*> items = menu.openSubmenu();
+    if (displayCount == 0) {
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items.front()->text(), QStringLiteral("No Displays"));
+        QVERIFY(!items.front()->isEnabled());
+        return;
+    }
+    QCOMPARE(items.size(), displayCount);
+    QCOMPARE(items[1]->text(), QStringLiteral("Display 1"));
+    items[1]->trigger();
+    items[0]->trigger();
+    QCOMPARE(menu.called, (QStringList{"zoneEditor 4294967280", "zoneEditor 69733378"}));
+    // A display removed since: the next opening lists only what is there.
+    menu.displays.pop_back();
+    QCOMPARE(menu.openSubmenu().size(), displayCount - 1);
 }
 
 void StatusItemTest::runsWithoutATray() {
-    StatusItemController controller(LoggerFactory::makeLogger(QStringLiteral("Test")));
+    Menu menu;
+    StatusItemController& controller = *menu.controller;
     // The offscreen platform has no tray host.
     QCOMPARE(controller.configureStatusItem(), false);
     QCOMPARE(controller.statusItem().toolTip(), QStringLiteral("Paneforge"));
