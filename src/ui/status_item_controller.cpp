@@ -110,10 +110,10 @@ bool StatusItemController::configureStatusItem() {
     statusItem_.setContextMenu(&menu_);
 #ifndef Q_OS_MACOS
     // The menu bar opens the menu on a click; most tray hosts only on a right click. A left click
-    // opens it too.
+    // opens it too, also when it follows the last one closely enough to count as a double click.
     connect(&statusItem_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger) {
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
                     menu_.popup(QCursor::pos());
                 }
             });
