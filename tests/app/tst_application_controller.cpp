@@ -72,15 +72,6 @@ struct Application {
         }
         return -1;
     }
-    QStringList linesStartingWith(const QString& prefix) const {
-        QStringList lines;
-        for (const QString& line : log) {
-            if (line.startsWith(prefix)) {
-                lines << line;
-            }
-        }
-        return lines;
-    }
 
     QTemporaryDir directory;
     ConfigStore store{LoggerFactory::makeLogger(QStringLiteral("test")),
@@ -166,7 +157,7 @@ void ApplicationControllerTest::hideSettingIsFollowedLive() {
     app.save(app.config().withHideMenuBarIcon(true));
     app.notifications.post(Notification::ConfigChanged);
     QVERIFY(!controller.isStatusItemShown());
-    QCOMPARE(app.linesStartingWith(QStringLiteral("statusItem.removed")).size(), 1);
+    QCOMPARE(app.log.filter("statusItem.removed").size(), 1);
     QCOMPARE(app.registeredIds(), kAllIds);
 }
 
@@ -358,13 +349,13 @@ void ApplicationControllerTest::launchAtLoginFollowsTheSystem() {
     app.platform.logins.failChanges = failChanges;
     app.started();
     QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
-    QVERIFY(app.linesStartingWith(QStringLiteral("loginItems.")).isEmpty());
+    QVERIFY(app.log.filter("loginItems.").isEmpty());
 
     // The preference changes; a second notice of the same value changes nothing more.
     app.save(app.config().withLaunchAtLogin(later));
     app.notifications.post(Notification::ConfigChanged);
     app.notifications.post(Notification::ConfigChanged);
-    QCOMPARE(app.linesStartingWith(QStringLiteral("loginItems.")), calls);
+    QCOMPARE(app.log.filter("loginItems."), calls);
 }
 
 #if defined(PANEFORGE_TEST_XDG_AUTOSTART)
