@@ -53,11 +53,7 @@ void ApplicationController::start() {
     ScreenDiagnostics(services_.platform.screens(), services_.fileLog)
         .logTopology(QStringLiteral("appStart"));
     syncLaunchAtLoginPreferenceWithSystem();
-    if (loadConfigOrDefault().hideMenuBarIcon().value_or(false)) {
-        hideStatusItem();
-    } else {
-        showStatusItem();
-    }
+    applyStatusItemSetting();
     registerAllHotkeys();
     observeHotkeyChanges();
     applyLaunchAtLogin();
@@ -128,16 +124,20 @@ void ApplicationController::observeHotkeyChanges() {
 }
 
 void ApplicationController::configChanged() {
-    if (loadConfigOrDefault().hideMenuBarIcon().value_or(false)) {
-        hideStatusItem();
-    } else {
-        showStatusItem();
-    }
+    applyStatusItemSetting();
     applyLaunchAtLogin();
     registerAllHotkeys();
 }
 
 // Status item and the windows behind its rows
+
+void ApplicationController::applyStatusItemSetting() {
+    if (loadConfigOrDefault().hideMenuBarIcon().value_or(false)) {
+        hideStatusItem();
+    } else {
+        showStatusItem();
+    }
+}
 
 void ApplicationController::showStatusItem() {
     if (statusItem_) {

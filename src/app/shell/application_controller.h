@@ -58,6 +58,7 @@ private:
     void observeHotkeyChanges();
     void configChanged();
 
+    void applyStatusItemSetting();
     void showStatusItem();
     void hideStatusItem();
     StatusMenuActions statusMenuActions();
