@@ -3,13 +3,14 @@
 #   make test                build and run every test
 #   make test PRESET=asan    the same under AddressSanitizer and UndefinedBehaviorSanitizer
 #   make bench               build and run the benchmarks
+#   make screenshots         build and take the README's pictures of the real agent (docs/screenshots)
 # WERROR=ON turns compiler warnings into errors (CI sets it).
 
 PRESET ?= default
 WERROR ?= OFF
 BUILD_DIR := build/$(PRESET)
 
-.PHONY: deps configure build test run bench format clean
+.PHONY: deps configure build test run bench screenshots format clean
 
 deps:
 	@scripts/install-deps.sh
@@ -28,6 +29,9 @@ run: build
 
 bench: build
 	scripts/run-benchmarks.sh $(BUILD_DIR)
+
+screenshots: build
+	scripts/screenshots.sh $(BUILD_DIR)
 
 format:
 	git ls-files '*.cpp' '*.h' '*.mm' | xargs clang-format -i

@@ -42,16 +42,17 @@ int runAgent(int argc, char** argv) {
         return 1;
     }
     platform->quitOnTerminationSignals([] { QApplication::quit(); });
+    platform->becomeMenuBarAgent();
 
     NotificationCenter notifications;
     ConfigStore configStore(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
                             defaultConfigDirectoryProvider());
-    QtViewFactory views(platform->nativeWindows());
+    QtViewFactory views(platform->nativeWindows(), fileLog);
     fileLog(QStringLiteral("Paneforge ") + QStringLiteral(PANEFORGE_VERSION) +
             QStringLiteral(" starting"));
-    ApplicationController application(ApplicationServices{*platform, views, scheduler,
-                                                          notifications, configStore, fileLog,
-                                                          [] { QApplication::quit(); }});
+    ApplicationController application(
+        ApplicationServices{*platform, views, scheduler, notifications, configStore, fileLog,
+                            FileLogger::shared().filePath(), [] { QApplication::quit(); }});
     application.start();
 
     logger.info(QStringLiteral("ready in %1 ms (tray %2, event tap %3)")

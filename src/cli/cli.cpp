@@ -200,12 +200,17 @@ int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
         return usageError(err, QStringLiteral("no command given"));
     }
     const QString first = args.front();
-    if (first == QLatin1String("--help") || first == QLatin1String("-h") ||
-        first == QLatin1String("help")) {
+    const bool help = first == QLatin1String("--help") || first == QLatin1String("-h") ||
+                      first == QLatin1String("help");
+    const bool version = first == QLatin1String("--version");
+    if ((help || version) && args.size() > 1) {
+        return usageError(err, QStringLiteral("%1 takes no arguments").arg(first));
+    }
+    if (help) {
         out << kUsage;
         return 0;
     }
-    if (first == QLatin1String("--version")) {
+    if (version) {
         out << "Paneforge " << PANEFORGE_VERSION << "\n";
         return 0;
     }
@@ -214,6 +219,9 @@ int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
     }
     if (first == QLatin1String("backup")) {
         return runBackup(args.mid(1), out, err, environment);
+    }
+    if (first.startsWith(QLatin1Char('-'))) {
+        return usageError(err, QStringLiteral("unknown option “%1”").arg(first));
     }
     return usageError(err, QStringLiteral("unknown command “%1”").arg(first));
 }

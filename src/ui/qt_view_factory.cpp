@@ -1,5 +1,7 @@
 #include "ui/qt_view_factory.h"
 
+#include "app/shell/stand_in_controllers.h"
+#include "ui/about_window.h"
 #include "ui/status_item_controller.h"
 
 #include <QApplication>
@@ -26,14 +28,24 @@ SnapOverlayEnvironment overlayEnvironment(NativeWindows& nativeWindows) {
 
 } // namespace
 
-QtViewFactory::QtViewFactory(NativeWindows& nativeWindows)
-    : snapOverlays_(overlayEnvironment(nativeWindows)) {}
+QtViewFactory::QtViewFactory(NativeWindows& nativeWindows,
+                             std::function<void(const QString&)> fileLog)
+    : nativeWindows_(nativeWindows)
+    , fileLog_(std::move(fileLog))
+    , snapOverlays_(overlayEnvironment(nativeWindows))
+    , alerts_(nativeWindows) {}
 
 std::unique_ptr<StatusItemView> QtViewFactory::makeStatusItem(StatusMenuActions actions) {
-    auto item = std::make_unique<StatusItemController>(
-        LoggerFactory::makeLogger(QStringLiteral("StatusItem")));
-    item->setOnQuit(std::move(actions.quit));
-    return item;
+    return std::make_unique<StatusItemController>(
+        LoggerFactory::makeLogger(QStringLiteral("StatusItem")), std::move(actions));
+}
+
+std::unique_ptr<ShellWindow> QtViewFactory::makeAboutWindow() {
+    return std::make_unique<AboutWindow>(nativeWindows_);
+}
+
+std::unique_ptr<ShellWindow> QtViewFactory::makePreferencesWindow() {
+    return std::make_unique<StandInPreferencesWindow>(fileLog_);
 }
 
 std::optional<QString> QtViewFactory::keyWindowTitle() {

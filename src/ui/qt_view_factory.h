@@ -2,23 +2,32 @@
 
 #include "app/ports/native_windows.h"
 #include "app/ports/view_factory.h"
+#include "ui/qt_alert_presenter.h"
 #include "ui/qt_key_down_monitor.h"
 #include "ui/snap_overlay_window.h"
+
+#include <functional>
 
 namespace paneforge {
 
 // The agent's windows, in Qt Widgets, with the platform's native touches.
 class QtViewFactory final : public ViewFactory {
 public:
-    explicit QtViewFactory(NativeWindows& nativeWindows);
+    QtViewFactory(NativeWindows& nativeWindows, std::function<void(const QString&)> fileLog);
 
     SnapOverlayFactory& snapOverlays() override { return snapOverlays_; }
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override;
+    std::unique_ptr<ShellWindow> makeAboutWindow() override;
+    std::unique_ptr<ShellWindow> makePreferencesWindow() override;
+    AlertPresenter& alerts() override { return alerts_; }
     KeyDownMonitorApi& keyDownMonitor() override { return keyDownMonitor_; }
     std::optional<QString> keyWindowTitle() override;
 
 private:
+    NativeWindows& nativeWindows_;
+    std::function<void(const QString&)> fileLog_;
     QtSnapOverlayFactory snapOverlays_;
+    QtAlertPresenter alerts_;
     QtKeyDownMonitor keyDownMonitor_;
 };
 

@@ -11,14 +11,14 @@
 
 namespace paneforge {
 
-// The agent's icon in the menu bar or system tray and its menu. For now the menu only quits.
+// The agent's icon in the menu bar or system tray and its menu: the rows in their fixed order,
+// each calling its action, and the "Zone Editor…" submenu listing the displays of the moment.
 class StatusItemController final : public QObject, public StatusItemView {
     Q_OBJECT
 public:
-    explicit StatusItemController(Logger logger, QObject* parent = nullptr);
+    StatusItemController(Logger logger, StatusMenuActions actions, QObject* parent = nullptr);
     ~StatusItemController() override;
 
-    void setOnQuit(std::function<void()> onQuit) { onQuit_ = std::move(onQuit); }
     bool show() override { return configureStatusItem(); }
 
     // Shows the icon. Without a tray host the agent runs on without one (logged); the icon
@@ -26,17 +26,21 @@ public:
     bool configureStatusItem();
 
     QMenu& menu() { return menu_; }
+    QMenu& zoneEditorMenu() { return zoneEditorMenu_; }
     const QSystemTrayIcon& statusItem() const { return statusItem_; }
 
     static QIcon makeIcon();
 
 private:
     void configureMenu();
+    // Rebuilt each time the menu opens, so that displays connected or removed since show up.
+    void makeZoneEditorSubmenu();
 
     Logger logger_;
+    StatusMenuActions actions_;
     QMenu menu_;
+    QMenu zoneEditorMenu_;
     QSystemTrayIcon statusItem_;
-    std::function<void()> onQuit_;
 };
 
 } // namespace paneforge

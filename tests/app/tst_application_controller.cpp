@@ -3,30 +3,69 @@
 #include "manual_scheduler.h"
 #include "platform_fakes.h"
 
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+#include "platform/x11/xdg_autostart.h"
+#endif
+
 #include <QTemporaryDir>
 #include <QtTest>
+#include <set>
 
 using namespace paneforge;
 
 namespace {
+using Action = std::function<void()> StatusMenuActions::*;
+}
+Q_DECLARE_METATYPE(LoginItemStatus)
+Q_DECLARE_METATYPE(Action)
+
+namespace {
+
+const QString kLogFile = QStringLiteral("/logs/Paneforge.log");
+
+// Every hot key set: key codes 0 to 5, with Command.
+PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault()) {
+    for (const HotkeySlot& slot : hotkeySlots()) {
+        config = slot.write(config, HotkeyDefinition{slot.id() - 1, modifier_bits::kCommand});
+    }
+    return config;
+}
 
 struct Application {
-    explicit Application(const std::optional<PaneforgeConfig>& config) {
+    explicit Application(
+        const std::optional<PaneforgeConfig>& config = PaneforgeConfig::makeDefault()) {
         if (config) {
-            store.saveConfig(*config);
+            save(*config);
         }
         platform.desk.addScreen(1, {0, 0, 1440, 900}, {0, 0, 1440, 875});
+        const fakes::Journal journal = [this](const QString& line) { log << line; };
+        platform.setJournal(journal);
+        views.journal = journal;
     }
 
     ApplicationController& started() {
         controller.emplace(ApplicationServices{platform, views, scheduler, notifications, store,
                                                [this](const QString& line) { log << line; },
-                                               [this] { ++quits; }});
+                                               kLogFile,
+                                               [this] { log << QStringLiteral("quit"); }});
         controller->start();
         return *controller;
     }
-    int indexOf(const QString& prefix) const {
-        for (int i = 0; i < log.size(); ++i) {
+    void save(const PaneforgeConfig& config) { store.saveConfig(config); }
+    PaneforgeConfig config() const { return store.loadConfig(); }
+    std::set<std::uint32_t> registeredIds() const {
+        std::set<std::uint32_t> ids;
+        for (const auto& [handle, id] : platform.hotkeyApi.registered) {
+            ids.insert(id);
+        }
+        return ids;
+    }
+    void press(std::uint32_t id) {
+        platform.hotkeyApi.pressed(id);
+        scheduler.runPosted();
+    }
+    int indexOf(const QString& prefix, int from = 0) const {
+        for (int i = from; i < log.size(); ++i) {
             if (log[i].startsWith(prefix)) {
                 return i;
             }
@@ -42,9 +81,10 @@ struct Application {
     fakes::Platform platform;
     fakes::Views views;
     QStringList log;
-    int quits = 0;
     std::optional<ApplicationController> controller;
 };
+
+const std::set<std::uint32_t> kAllIds{1, 2, 3, 4, 5, 6};
 
 } // namespace
 
@@ -52,19 +92,40 @@ class ApplicationControllerTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void startRunsInOrderAndArmsTheTap();
-    void statusItemFollowsTheHideSetting_data();
-    void statusItemFollowsTheHideSetting();
+    void hideSettingIsFollowedLive();
+    void hotkeysTriggerTheirActions_data();
+    void hotkeysTriggerTheirActions();
+    void aRefusedHotkeyLeavesTheOthers();
+    void eachNotificationReRegistersItsHotkey_data();
+    void eachNotificationReRegistersItsHotkey();
+    void menuRowsReachTheirControllers_data();
+    void menuRowsReachTheirControllers();
+    void zoneEditorSubmenuListsTheDisplays();
+    void callbacksDoNothingOnceTheControllerIsGone();
+    void launchAtLoginFollowsTheSystem_data();
+    void launchAtLoginFollowsTheSystem();
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+    void xdgAutostartEntry_data();
+    void xdgAutostartEntry();
+#endif
 };
 
 void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
-    Application app(std::nullopt);
+    Application app(PaneforgeConfig::makeDefault().withOpenEditorHotkey(HotkeyDefinition{14, 256}));
     const ApplicationController& controller = app.started();
 
-    const int start = app.indexOf(QStringLiteral("ApplicationController.start"));
-    const int appStart = app.indexOf(QStringLiteral("ScreenDiagnostics.appStart count=1"));
-    const int snapStart = app.indexOf(QStringLiteral("ScreenDiagnostics.snapStart count=1"));
-    QVERIFY2(start == 0 && appStart > start && snapStart > appStart,
-             qPrintable(app.log.join('\n')));
+    int at = 0;
+    for (const char* step :
+         {"ApplicationController.start", "ScreenDiagnostics.appStart count=1", "statusItem.made",
+          "OpenEditor hotkey: keyCode=14 modifiers=256",
+          "HotkeyManager.register id=1 keyCode=14 modifiers=256",
+          "OpenPreferences hotkey: nil -> unregister", "HotkeyManager.unregister id=6",
+          "ScreenDiagnostics.snapStart count=1", "updater.start"}) {
+        at = app.indexOf(QString::fromUtf8(step), at);
+        QVERIFY2(at >= 0, qPrintable(QStringLiteral("missing or out of order: %1\n%2")
+                                         .arg(QString::fromUtf8(step), app.log.join('\n'))));
+    }
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1}));
     QVERIFY(controller.isEventTapInstalled());
     QCOMPARE(app.platform.taps.creations, 1);
 
@@ -75,32 +136,291 @@ void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
     app.platform.taps.handler(
         {InputEvent::FlagsChanged, app.platform.desk.pointer, ModifierMapper::kCommandFlag});
     QCOMPARE(app.views.overlays.built.size(), std::size_t{1});
-
-    // The status menu's Quit reaches the event loop.
-    QVERIFY(app.views.statusItem);
-    app.views.statusItem->actions.quit();
-    QCOMPARE(app.quits, 1);
 }
 
-void ApplicationControllerTest::statusItemFollowsTheHideSetting_data() {
-    QTest::addColumn<std::optional<bool>>("hide");
-    QTest::addColumn<int>("statusItems");
-    QTest::newRow("defaults") << std::optional<bool>() << 1;
-    QTest::newRow("shown") << std::optional<bool>(false) << 1;
-    QTest::newRow("hidden") << std::optional<bool>(true) << 0;
-}
-
-void ApplicationControllerTest::statusItemFollowsTheHideSetting() {
-    QFETCH(std::optional<bool>, hide);
-    QFETCH(int, statusItems);
-    const auto defaults = PaneforgeConfig::makeDefault();
-    Application app(hide ? defaults.withHideMenuBarIcon(*hide) : defaults);
+void ApplicationControllerTest::hideSettingIsFollowedLive() {
+    Application app(allHotkeys().withHideMenuBarIcon(true));
     const ApplicationController& controller = app.started();
-    QCOMPARE(app.views.statusItemsMade, statusItems);
-    QCOMPARE(controller.isStatusItemShown(), statusItems == 1);
-    // Snapping starts either way.
+    // No icon, yet the hot keys and the snapping start.
+    QCOMPARE(app.views.statusItemsMade, 0);
+    QCOMPARE(app.registeredIds(), kAllIds);
     QVERIFY(controller.isEventTapInstalled());
+
+    app.save(app.config().withHideMenuBarIcon(false));
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.views.statusItemsMade, 1);
+    // The same value again: still the one icon.
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.views.statusItemsMade, 1);
+    QVERIFY(controller.isStatusItemShown());
+
+    app.save(app.config().withHideMenuBarIcon(true));
+    app.notifications.post(Notification::ConfigChanged);
+    QVERIFY(!controller.isStatusItemShown());
+    QCOMPARE(app.log.filter("statusItem.removed").size(), 1);
+    QCOMPARE(app.registeredIds(), kAllIds);
 }
+
+void ApplicationControllerTest::hotkeysTriggerTheirActions_data() {
+    QTest::addColumn<uint>("id");
+    QTest::addColumn<bool>("preferencesOpen");
+    QTest::addColumn<QString>("effect"); // empty: the focused window moves to the next display
+    QTest::newRow("open editor") << 1u << false
+                                 << "StandInZoneEditorController.showEditorForMainDisplay";
+    // Not over the preferences, where the user may be recording a hot key.
+    QTest::newRow("open editor over the preferences")
+        << 1u << true << "ApplicationController.handleOpenEditorHotkey";
+    QTest::newRow("open preferences") << 2u << false << "preferences.show";
+    QTest::newRow("layout selector")
+        << 3u << false << "StandInLayoutSelectorController.showForPointerDisplay";
+    QTest::newRow("move to next display") << 4u << false << "";
+    QTest::newRow("next layout") << 5u << false << "StandInLayoutCycleController.cycleNext";
+    QTest::newRow("previous layout") << 6u << false << "StandInLayoutCycleController.cyclePrevious";
+}
+
+void ApplicationControllerTest::hotkeysTriggerTheirActions() {
+    QFETCH(uint, id);
+    QFETCH(bool, preferencesOpen);
+    QFETCH(QString, effect);
+    Application app(allHotkeys());
+    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.platform.windowList.add(7, {100, 100, 400, 300});
+    app.started();
+    QCOMPARE(app.registeredIds(), kAllIds);
+    app.views.preferences->visible = preferencesOpen;
+
+    app.press(id);
+    if (effect.isEmpty()) {
+        QCOMPARE(app.platform.windowList.setFrameCalls.size(), std::size_t{1});
+        QVERIFY(app.platform.windowList.setFrameCalls.front().frame.minX() >= 1440);
+    } else {
+        // Nothing comes after the effect.
+        QVERIFY2(app.log.last().startsWith(effect), qPrintable(app.log.join('\n')));
+        QVERIFY(app.platform.windowList.setFrameCalls.empty());
+    }
+}
+
+void ApplicationControllerTest::aRefusedHotkeyLeavesTheOthers() {
+    Application app(allHotkeys());
+    app.platform.hotkeyApi.takenKeys = {2}; // id 3's key
+    app.started();
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1, 2, 4, 5, 6}));
+    QVERIFY(app.log.contains(QStringLiteral("RegisterEventHotKey failed: taken (id=3)")));
+}
+
+void ApplicationControllerTest::eachNotificationReRegistersItsHotkey_data() {
+    QTest::addColumn<int>("slot");
+    for (int i = 0; i < 6; ++i) {
+        QTest::addRow("id %d", i + 1) << i;
+    }
+}
+
+void ApplicationControllerTest::eachNotificationReRegistersItsHotkey() {
+    QFETCH(int, slot);
+    const HotkeySlot& changed = hotkeySlots()[std::size_t(slot)];
+    const HotkeySlot& other = hotkeySlots()[std::size_t((slot + 1) % 6)];
+    Application app;
+    app.started();
+    QVERIFY(app.registeredIds().empty());
+
+    app.save(changed.write(app.config(), HotkeyDefinition{40, modifier_bits::kControl}));
+    app.notifications.post(other.changed);
+    QVERIFY(app.registeredIds().empty());
+    app.notifications.post(changed.changed);
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{changed.id()}));
+
+    // Cleared in the file: the configuration notice takes it away.
+    app.save(changed.write(app.config(), std::nullopt));
+    app.notifications.post(Notification::ConfigChanged);
+    QVERIFY(app.registeredIds().empty());
+}
+
+void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
+    QTest::addColumn<Action>("row");
+    QTest::addColumn<bool>("updaterAvailable");
+    QTest::addColumn<QStringList>("effects");
+    using M = StatusMenuActions;
+    const auto row = [](const char* name, Action action, QStringList effects,
+                        bool updater = false) {
+        QTest::newRow(name) << action << updater << effects;
+    };
+    row("switch layout", &M::openLayoutSelector,
+        {"StandInLayoutSelectorController.showForPointerDisplay"});
+    row("next layout", &M::nextLayout, {"StandInLayoutCycleController.cycleNext"});
+    row("previous layout", &M::previousLayout, {"StandInLayoutCycleController.cyclePrevious"});
+    row("preferences", &M::openPreferences, {"preferences.show"});
+    row("backup", &M::backupSettings, {"StandInBackupSettingsController.runBackup"});
+    row("restore", &M::restoreSettings, {"StandInRestoreSettingsController.runRestore"});
+    row("quick start", &M::openQuickStart, {"StandInQuickStartController.show"});
+    row("reveal log file", &M::revealLogFile,
+        {"ApplicationController.revealLogFile path=/logs/Paneforge.log",
+         "reveal /logs/Paneforge.log"});
+    row("updates, none here", &M::checkForUpdates,
+        {"updater.check", "alert Check for Updates: no updater here"});
+    row("updates", &M::checkForUpdates, {"updater.check"}, true);
+    row("about", &M::openAbout, {"about.show"});
+    row("quit", &M::quit, {"quit"});
+}
+
+void ApplicationControllerTest::menuRowsReachTheirControllers() {
+    QFETCH(Action, row);
+    QFETCH(bool, updaterAvailable);
+    QFETCH(QStringList, effects);
+    Application app;
+    app.platform.updates.available = updaterAvailable;
+    app.started();
+    const int before = int(app.log.size());
+    ((*app.views.statusMenu).*row)();
+    QStringList actual = app.log.mid(before);
+    actual.replaceInStrings(QStringLiteral(": not built yet"), QString());
+    QCOMPARE(actual, effects);
+}
+
+void ApplicationControllerTest::zoneEditorSubmenuListsTheDisplays() {
+    Application app;
+    app.platform.desk.addScreen(0xFFFFFFF0u, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.started();
+    const auto displays = app.views.statusMenu->displays();
+    QCOMPARE(displays.size(), std::size_t{2});
+    QCOMPARE(displays[1].displayId, 0xFFFFFFF0u);
+    QCOMPARE(displays[1].title, QStringLiteral("4294967280"));
+    QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
+    app.views.statusMenu->openZoneEditorForDisplay(0xFFFFFFF0u);
+    QVERIFY(app.log.contains(QStringLiteral(
+        "StandInZoneEditorController.showEditor displayId=4294967280: not built yet")));
+    // Displays connected later show up at the next opening.
+    app.platform.desk.addScreen(5, {0, 900, 1440, 900}, {0, 900, 1440, 900});
+    QCOMPARE(app.views.statusMenu->displays().size(), std::size_t{3});
+}
+
+void ApplicationControllerTest::callbacksDoNothingOnceTheControllerIsGone() {
+    Application app(allHotkeys());
+    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+    app.platform.windowList.add(7, {100, 100, 400, 300});
+    app.started();
+    app.platform.hotkeyApi.pressed(4); // its action waits for the event loop
+    app.controller.reset();
+    app.scheduler.runPosted();
+    app.views.statusMenu->quit();
+    QVERIFY(app.platform.windowList.setFrameCalls.empty());
+    QVERIFY(!app.log.contains(QStringLiteral("quit")));
+    QVERIFY(app.views.statusMenu->displays().empty());
+}
+
+void ApplicationControllerTest::launchAtLoginFollowsTheSystem_data() {
+    QTest::addColumn<bool>("applies");
+    QTest::addColumn<LoginItemStatus>("system");
+    QTest::addColumn<bool>("stored");
+    QTest::addColumn<bool>("failChanges");
+    QTest::addColumn<bool>("afterStart");
+    QTest::addColumn<bool>("later");
+    QTest::addColumn<QStringList>("calls");
+    using S = LoginItemStatus;
+    const QStringList none;
+    const QStringList registers{"loginItems.register"};
+    const QStringList unregisters{"loginItems.unregister"};
+    QTest::newRow("outside a bundle nothing is touched")
+        << false << S::Enabled << false << false << false << true << none;
+    QTest::newRow("the system wins at start")
+        << true << S::NotRegistered << true << false << false << true << registers;
+    QTest::newRow("a login item added in the system settings")
+        << true << S::Enabled << false << false << true << false << unregisters;
+    QTest::newRow("awaiting approval counts as registered")
+        << true << S::RequiresApproval << true << false << true << true << none;
+    QTest::newRow("awaiting approval, then turned off")
+        << true << S::RequiresApproval << true << false << true << false << unregisters;
+    QTest::newRow("not found counts as off")
+        << true << S::NotFound << true << false << false << true << registers;
+    QTest::newRow("a refused change is not retried")
+        << true << S::NotRegistered << false << true << false << true << registers;
+}
+
+void ApplicationControllerTest::launchAtLoginFollowsTheSystem() {
+    QFETCH(bool, applies);
+    QFETCH(LoginItemStatus, system);
+    QFETCH(bool, stored);
+    QFETCH(bool, failChanges);
+    QFETCH(bool, afterStart);
+    QFETCH(bool, later);
+    QFETCH(QStringList, calls);
+    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+    app.platform.logins.applies = applies;
+    app.platform.logins.state = system;
+    app.platform.logins.failChanges = failChanges;
+    app.started();
+    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+    QVERIFY(app.log.filter("loginItems.").isEmpty());
+
+    // The preference changes; a second notice of the same value changes nothing more.
+    app.save(app.config().withLaunchAtLogin(later));
+    app.notifications.post(Notification::ConfigChanged);
+    app.notifications.post(Notification::ConfigChanged);
+    QCOMPARE(app.log.filter("loginItems."), calls);
+}
+
+#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
+void ApplicationControllerTest::xdgAutostartEntry_data() {
+    QTest::addColumn<QString>("executable"); // "<home>" stands for the home folder
+    QTest::addColumn<QString>("entry");      // the autostart file at start; empty for none
+    QTest::addColumn<bool>("stored");
+    QTest::addColumn<bool>("afterStart");
+    QTest::addColumn<bool>("later");
+    QTest::addColumn<QString>("line"); // in the file at the end; empty: no file
+    const QString enabled = "[Desktop Entry]\nType=Application\nExec=/usr/bin/paneforge\n";
+    QTest::newRow("installed, turned on")
+        << "/usr/bin/paneforge"
+        << "" << false << false << true << "Exec=/usr/bin/paneforge";
+    QTest::newRow("installed, turned off")
+        << "/usr/bin/paneforge" << enabled << true << true << false << "";
+    QTest::newRow("switched off in the desktop's settings")
+        << "/usr/local/bin/paneforge"
+        << "[Desktop Entry]\nExec=paneforge\nHidden=true\n"
+        << true << false << true << "Exec=/usr/local/bin/paneforge";
+    QTest::newRow("switched off in GNOME's settings")
+        << "/usr/bin/paneforge"
+        << "[Desktop Entry]\nX-GNOME-Autostart-enabled=false\n"
+        << true << false << false << "X-GNOME-Autostart-enabled=false";
+    QTest::newRow("under /opt, quoted")
+        << "/opt/Pane forge/bin/paneforge"
+        << "" << false << false << true << "Exec=\"/opt/Pane forge/bin/paneforge\"";
+    QTest::newRow("a build tree never touches it")
+        << "<home>/src/paneforge/build/default/src/paneforge" << enabled << false << false << true
+        << "Exec=/usr/bin/paneforge";
+}
+
+void ApplicationControllerTest::xdgAutostartEntry() {
+    QFETCH(QString, executable);
+    QFETCH(QString, entry);
+    QFETCH(bool, stored);
+    QFETCH(bool, afterStart);
+    QFETCH(bool, later);
+    QFETCH(QString, line);
+    QTemporaryDir home;
+    executable.replace("<home>", home.path());
+    line.replace("<home>", home.path());
+    const QString autostart = home.filePath(".config/autostart");
+    XdgAutostartLoginItem loginItem(autostart, executable, home.path());
+    if (!entry.isEmpty()) {
+        QVERIFY(QDir().mkpath(autostart));
+        QFile file(loginItem.entryPath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(entry.toUtf8());
+    }
+    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+    app.platform.loginService = &loginItem;
+    app.started();
+    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+
+    app.save(app.config().withLaunchAtLogin(later));
+    app.notifications.post(Notification::ConfigChanged);
+    QFile file(loginItem.entryPath());
+    QCOMPARE(file.exists(), !line.isEmpty());
+    if (file.open(QIODevice::ReadOnly)) {
+        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+        QVERIFY2(lines.contains(line), qPrintable(lines.join('\n')));
+    }
+}
+#endif
 
 QTEST_GUILESS_MAIN(ApplicationControllerTest)
 #include "tst_application_controller.moc"

@@ -65,9 +65,9 @@ private Q_SLOTS:
         NotificationCenter center;
         NotificationCenter::ObservationToken second;
         int secondRuns = 0;
-        auto first = center.observe(QStringLiteral("N"), [&] { second.reset(); });
-        second = center.observe(QStringLiteral("N"), [&] { ++secondRuns; });
-        center.post(QStringLiteral("N"));
+        auto first = center.observe(notifications::kConfigChanged, [&] { second.reset(); });
+        second = center.observe(notifications::kConfigChanged, [&] { ++secondRuns; });
+        center.post(notifications::kConfigChanged);
         QCOMPARE(secondRuns, 0);
     }
 };

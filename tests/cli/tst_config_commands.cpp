@@ -92,6 +92,8 @@ private Q_SLOTS:
         QTest::newRow("too many files") << QStringList{"config", "print", "a", "b"} << 2;
         QTest::newRow("help") << QStringList{"--help"} << 0;
         QTest::newRow("version") << QStringList{"--version"} << 0;
+        QTest::newRow("unknown agent option") << QStringList{"--frobnicate"} << 2;
+        QTest::newRow("version takes nothing more") << QStringList{"--version", "now"} << 2;
     }
     void usageErrors() {
         QFETCH(QStringList, args);

@@ -1,13 +1,16 @@
 #pragma once
 
 // A whole platform and view factory of fakes, for the application controller: the desk, windows
-// and event tap of snap_fakes.h plus hot keys, keyboard layout, native windows and a status item.
+// and event tap of snap_fakes.h plus hot keys, keyboard layout, native windows, the shell's
+// services and windows. The shell's fakes write what they are asked into one journal, so that a
+// test reads the order of everything from one list.
 
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
 #include "snap_fakes.h"
 
 #include <map>
+#include <optional>
 
 namespace fakes {
 
@@ -52,6 +55,52 @@ public:
     bool compositingAvailable() override { return true; }
 };
 
+using Journal = std::function<void(const QString&)>;
+
+// A login item in the state the test sets; register and unregister change it unless told to fail.
+class LoginItems final : public LoginItemService {
+public:
+    Journal journal;
+    bool applies = true;
+    LoginItemStatus state = LoginItemStatus::NotRegistered;
+    bool failChanges = false;
+
+    bool appliesToThisCopy() override { return applies; }
+    LoginItemStatus status() override { return state; }
+    bool registerItem() override {
+        journal(QStringLiteral("loginItems.register"));
+        if (!failChanges) {
+            state = LoginItemStatus::Enabled;
+        }
+        return !failChanges;
+    }
+    bool unregisterItem() override {
+        journal(QStringLiteral("loginItems.unregister"));
+        if (!failChanges) {
+            state = LoginItemStatus::NotRegistered;
+        }
+        return !failChanges;
+    }
+};
+
+class Updates final : public UpdateService {
+public:
+    Journal journal;
+    bool available = false;
+    void start() override { journal(QStringLiteral("updater.start")); }
+    bool checkForUpdates() override {
+        journal(QStringLiteral("updater.check"));
+        return available;
+    }
+    QString unavailableMessage() const override { return QStringLiteral("no updater here"); }
+};
+
+class Revealer final : public FileRevealer {
+public:
+    Journal journal;
+    void reveal(const QString& path) override { journal(QStringLiteral("reveal ") + path); }
+};
+
 class Platform final : public paneforge::Platform {
 public:
     Desk desk;
@@ -60,7 +109,17 @@ public:
     Hotkeys hotkeyApi;
     NoKeyboardLayout layout;
     NativeWindowsRecord native;
+    LoginItems logins;
+    Updates updates;
+    Revealer revealer;
+    LoginItemService* loginService = &logins; // a test may put the real one of a platform here
     std::function<void()> terminationQuit;
+
+    void setJournal(const Journal& journal) {
+        logins.journal = journal;
+        updates.journal = journal;
+        revealer.journal = journal;
+    }
 
     WindowService& windows() override { return windowList; }
     DisplayService& displays() override { return desk; }
@@ -71,6 +130,10 @@ public:
     KeyboardLayoutProvider& keyboardLayout() override { return layout; }
     KeyboardKeyTranslator& keyTranslator() override { return layout; }
     NativeWindows& nativeWindows() override { return native; }
+    LoginItemService& loginItems() override { return *loginService; }
+    UpdateService& updater() override { return updates; }
+    FileRevealer& fileRevealer() override { return revealer; }
+    void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()> quit) override {
         terminationQuit = std::move(quit);
     }
@@ -78,10 +141,40 @@ public:
 
 class StatusItem final : public StatusItemView {
 public:
-    explicit StatusItem(StatusMenuActions actions)
-        : actions(std::move(actions)) {}
-    StatusMenuActions actions;
+    explicit StatusItem(Journal journal)
+        : journal_(std::move(journal)) {
+        journal_(QStringLiteral("statusItem.made"));
+    }
+    ~StatusItem() override { journal_(QStringLiteral("statusItem.removed")); }
     bool show() override { return true; }
+
+private:
+    Journal journal_;
+};
+
+class OwnWindow final : public ShellWindow {
+public:
+    OwnWindow(QString name, Journal journal)
+        : name_(std::move(name))
+        , journal_(std::move(journal)) {}
+    bool visible = false;
+    void show() override {
+        journal_(name_ + QStringLiteral(".show"));
+        visible = true;
+    }
+    bool isVisible() const override { return visible; }
+
+private:
+    QString name_;
+    Journal journal_;
+};
+
+class Alerts final : public AlertPresenter {
+public:
+    Journal journal;
+    void showInformational(const QString& title, const QString& message) override {
+        journal(QStringLiteral("alert %1: %2").arg(title, message));
+    }
 };
 
 class NoKeyMonitor final : public KeyDownMonitorApi {
@@ -93,16 +186,31 @@ class Views final : public ViewFactory {
 public:
     Overlays overlays;
     NoKeyMonitor keyMonitor;
+    Alerts alertBoxes;
+    Journal journal;
     int statusItemsMade = 0;
-    StatusItem* statusItem = nullptr; // the last one made, owned by the caller
+    // The actions of the last status item made; they outlive it, as a menu's callbacks may.
+    std::optional<StatusMenuActions> statusMenu;
+    OwnWindow* preferences = nullptr; // owned by the caller
     std::optional<QString> keyWindow;
 
     SnapOverlayFactory& snapOverlays() override { return overlays; }
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override {
         ++statusItemsMade;
-        auto item = std::make_unique<StatusItem>(std::move(actions));
-        statusItem = item.get();
-        return item;
+        statusMenu = std::move(actions);
+        return std::make_unique<StatusItem>(journal);
+    }
+    std::unique_ptr<ShellWindow> makeAboutWindow() override {
+        return std::make_unique<OwnWindow>(QStringLiteral("about"), journal);
+    }
+    std::unique_ptr<ShellWindow> makePreferencesWindow() override {
+        auto window = std::make_unique<OwnWindow>(QStringLiteral("preferences"), journal);
+        preferences = window.get();
+        return window;
+    }
+    AlertPresenter& alerts() override {
+        alertBoxes.journal = journal;
+        return alertBoxes;
     }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
     std::optional<QString> keyWindowTitle() override { return keyWindow; }

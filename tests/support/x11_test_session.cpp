@@ -261,6 +261,50 @@ bool X11TestSession::run(const QString& program, const QStringList& arguments, Q
     return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
+QString X11AgentRun::configHome() const {
+    return home_.filePath(QStringLiteral("config"));
+}
+
+QString X11AgentRun::autostartDirectory() const {
+    return home_.filePath(QStringLiteral("config/autostart"));
+}
+
+bool X11AgentRun::start(const QString& program, QString* output) {
+    QProcessEnvironment env;
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));
+    env.insert(QStringLiteral("XDG_STATE_HOME"), home_.filePath(QStringLiteral("state")));
+    process_ = session_.startProcess(program, {}, env);
+    if (!process_->waitForStarted(5000)) {
+        return false;
+    }
+    return X11TestSession::waitUntil(
+        [&] {
+            process_->waitForReadyRead(50);
+            *output += QString::fromUtf8(process_->readAllStandardError());
+            return output->contains(QStringLiteral("ready in"));
+        },
+        std::chrono::seconds(20));
+}
+
+QString X11AgentRun::logText() const {
+    QFile file(home_.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+bool X11AgentRun::waitForLog(const QString& line, int before,
+                             std::chrono::milliseconds timeout) const {
+    return X11TestSession::waitUntil([&] { return logCount(line) > before; }, timeout);
+}
+
+bool X11AgentRun::quit() {
+    if (!process_ || process_->state() != QProcess::Running) {
+        return false;
+    }
+    process_->terminate();
+    return process_->waitForFinished(10000) && process_->exitStatus() == QProcess::NormalExit &&
+           process_->exitCode() == 0 && logText().contains(QStringLiteral("Paneforge quitting"));
+}
+
 int runWithX11Session(int argc, char** argv, X11TestSession::Options options,
                       const std::function<int(X11TestSession&)>& body) {
     X11TestSession session(options);

@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -59,6 +60,35 @@ private:
     std::vector<std::unique_ptr<QProcess>> processes_;
     struct Connection;
     std::unique_ptr<Connection> connection_;
+};
+
+// The real agent in a session, with a configuration and log folder of its own
+// ($XDG_CONFIG_HOME/Paneforge, $XDG_STATE_HOME/Paneforge), so that no test touches the user's.
+class X11AgentRun {
+public:
+    explicit X11AgentRun(X11TestSession& session)
+        : session_(session) {}
+
+    // The agent's $XDG_CONFIG_HOME: the folder a ConfigStore for its configuration is given.
+    QString configHome() const;
+    // The folder its autostart entries would go to.
+    QString autostartDirectory() const;
+    // Starts `program` and waits until it says it is ready; `output` gets what it printed.
+    bool start(const QString& program, QString* output);
+    QProcess* process() const { return process_; }
+
+    QString logText() const;
+    int logCount(const QString& line) const { return logText().count(line); }
+    // Waits until the diagnostic log holds `line` more often than `before` times.
+    bool waitForLog(const QString& line, int before,
+                    std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
+    // Asks the agent to quit (SIGTERM) and whether it ended cleanly, its log flushed.
+    bool quit();
+
+private:
+    X11TestSession& session_;
+    QTemporaryDir home_;
+    QProcess* process_ = nullptr;
 };
 
 // The main() of an X11 test: starts a session, points Qt at it before the QGuiApplication exists,

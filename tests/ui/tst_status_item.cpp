@@ -6,13 +6,50 @@
 
 using namespace paneforge;
 
+namespace {
+
+using M = StatusMenuActions;
+// Every row's action, in the menu's order.
+const std::vector<std::function<void()> M::*> kRowActions{
+    &M::openLayoutSelector, &M::nextLayout,      &M::previousLayout,  &M::moveToNextDisplay,
+    &M::openPreferences,    &M::backupSettings,  &M::restoreSettings, &M::openQuickStart,
+    &M::revealLogFile,      &M::checkForUpdates, &M::openAbout,       &M::quit};
+
+// A status item whose row actions write their index into `called`, over the displays `displays`.
+struct Menu {
+    Menu() {
+        StatusMenuActions actions;
+        for (int i = 0; i < int(kRowActions.size()); ++i) {
+            actions.*kRowActions[std::size_t(i)] = [this, i] { called << i; };
+        }
+        actions.displays = [this] { return displays; };
+        actions.openZoneEditorForDisplay = [this](DisplayId id) { editorFor << id; };
+        controller = std::make_unique<StatusItemController>(
+            LoggerFactory::makeLogger(QStringLiteral("Test")), std::move(actions));
+    }
+    // Opening the menu rebuilds the submenu.
+    QList<QAction*> openSubmenu() {
+        Q_EMIT controller->menu().aboutToShow();
+        return controller->zoneEditorMenu().actions();
+    }
+
+    QList<int> called;
+    QList<DisplayId> editorFor;
+    std::vector<StatusMenuDisplay> displays;
+    std::unique_ptr<StatusItemController> controller;
+};
+
+} // namespace
+
 class StatusItemTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void iconShape_data();
     void iconShape();
     void iconScalesWithTheSmallerSide();
-    void menuQuits();
+    void rowsInOrderCallTheirActions();
+    void zoneEditorSubmenu_data();
+    void zoneEditorSubmenu();
     void runsWithoutATray();
 };
 
@@ -52,19 +89,59 @@ void StatusItemTest::iconScalesWithTheSmallerSide() {
     QCOMPARE(image.pixelColor(40, 15).alpha(), 0);
 }
 
-void StatusItemTest::menuQuits() {
-    StatusItemController controller(LoggerFactory::makeLogger(QStringLiteral("Test")));
-    int quits = 0;
-    controller.setOnQuit([&quits] { ++quits; });
-    const QList<QAction*> actions = controller.menu().actions();
-    QCOMPARE(actions.size(), 1);
-    QCOMPARE(actions.front()->text(), QStringLiteral("Quit Paneforge"));
-    actions.front()->trigger();
-    QCOMPARE(quits, 1);
+void StatusItemTest::rowsInOrderCallTheirActions() {
+    Menu menu;
+    QStringList rows;
+    for (QAction* action : menu.controller->menu().actions()) {
+        rows << (action->isSeparator() ? QStringLiteral("---") : action->text());
+        if (!action->isSeparator() && !action->menu()) {
+            action->trigger();
+        }
+    }
+    QCOMPARE(rows, (QStringList{"Switch Layout…", "Next Layout", "Previous Layout",
+                                "Move to Next Display", "Zone Editor…", "---", "Preferences…",
+                                "Backup Settings…", "Restore Settings…", "---", "Quick Start…",
+                                "Reveal Log File", "Check for Updates…", "About Paneforge", "---",
+                                "Quit Paneforge"}));
+    QCOMPARE(menu.called, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
+    QCOMPARE(menu.controller->menu().actions()[4]->menu(), &menu.controller->zoneEditorMenu());
+}
+
+void StatusItemTest::zoneEditorSubmenu_data() {
+    QTest::addColumn<int>("displayCount");
+    QTest::newRow("no displays") << 0;
+    QTest::newRow("two displays") << 2;
+}
+
+void StatusItemTest::zoneEditorSubmenu() {
+    QFETCH(int, displayCount);
+    Menu menu;
+    for (int i = 0; i < displayCount; ++i) {
+        // The second id is beyond a signed 32-bit number: it must come back unchanged.
+        const DisplayId id = i == 0 ? 69733378u : 0xFFFFFFF0u;
+        menu.displays.push_back(
+            {id, QStringLiteral("Display %1").arg(i), DisplayIdentifier(1, 2, std::nullopt)});
+    }
+    const QList<QAction*> items = menu.openSubmenu();
+    if (displayCount == 0) {
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items.front()->text(), QStringLiteral("No Displays"));
+        QVERIFY(!items.front()->isEnabled());
+        return;
+    }
+    QCOMPARE(items.size(), displayCount);
+    QCOMPARE(items[1]->text(), QStringLiteral("Display 1"));
+    items[1]->trigger();
+    items[0]->trigger();
+    QCOMPARE(menu.editorFor, (QList<DisplayId>{0xFFFFFFF0u, 69733378u}));
+    // A display removed since: the next opening lists only what is there.
+    menu.displays.pop_back();
+    QCOMPARE(menu.openSubmenu().size(), displayCount - 1);
 }
 
 void StatusItemTest::runsWithoutATray() {
-    StatusItemController controller(LoggerFactory::makeLogger(QStringLiteral("Test")));
+    Menu menu;
+    StatusItemController& controller = *menu.controller;
     // The offscreen platform has no tray host.
     QCOMPARE(controller.configureStatusItem(), false);
     QCOMPARE(controller.statusItem().toolTip(), QStringLiteral("Paneforge"));

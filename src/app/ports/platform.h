@@ -4,6 +4,7 @@
 #include "app/input/hotkey_manager.h"
 #include "app/ports/display_services.h"
 #include "app/ports/native_windows.h"
+#include "app/ports/shell_services.h"
 #include "app/ports/window_service.h"
 #include "app/runtime/scheduler.h"
 #include "app/runtime/screen_diagnostics.h"
@@ -31,6 +32,13 @@ public:
     virtual KeyboardLayoutProvider& keyboardLayout() = 0;
     virtual KeyboardKeyTranslator& keyTranslator() = 0;
     virtual NativeWindows& nativeWindows() = 0;
+    virtual LoginItemService& loginItems() = 0;
+    virtual UpdateService& updater() = 0;
+    virtual FileRevealer& fileRevealer() = 0;
+
+    // Makes the process a background agent once the application object exists: on macOS no Dock
+    // icon and no main menu, and the system never ends it on its own to reclaim memory.
+    virtual void becomeMenuBarAgent() = 0;
 
     // Ends the agent in order (log flushed) when the session asks it to: logout, a closed
     // terminal, Ctrl+C, kill.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ports/key_down_monitor_api.h"
+#include "app/ports/shell_windows.h"
 #include "app/ports/snap_overlay.h"
 #include "app/ports/status_item_view.h"
 
@@ -18,6 +19,10 @@ public:
 
     virtual SnapOverlayFactory& snapOverlays() = 0;
     virtual std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) = 0;
+    // "About Paneforge": the name, the version and what Paneforge does.
+    virtual std::unique_ptr<ShellWindow> makeAboutWindow() = 0;
+    virtual std::unique_ptr<ShellWindow> makePreferencesWindow() = 0;
+    virtual AlertPresenter& alerts() = 0;
     // Key presses in Paneforge's own windows, for recording hot keys.
     virtual KeyDownMonitorApi& keyDownMonitor() = 0;
     // The title of Paneforge's window that has the keyboard, if one has.

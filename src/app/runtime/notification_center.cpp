@@ -5,20 +5,44 @@
 
 namespace paneforge {
 
+QString notificationName(Notification notification) {
+    switch (notification) {
+    case Notification::HotkeyChanged:
+        return QStringLiteral("PaneforgeHotkeyChanged");
+    case Notification::PreferencesHotkeyChanged:
+        return QStringLiteral("PaneforgePreferencesHotkeyChanged");
+    case Notification::LayoutSelectorHotkeyChanged:
+        return QStringLiteral("PaneforgeLayoutSelectorHotkeyChanged");
+    case Notification::MoveWindowHotkeyChanged:
+        return QStringLiteral("PaneforgeMoveWindowHotkeyChanged");
+    case Notification::NextLayoutHotkeyChanged:
+        return QStringLiteral("PaneforgeNextLayoutHotkeyChanged");
+    case Notification::PreviousLayoutHotkeyChanged:
+        return QStringLiteral("PaneforgePreviousLayoutHotkeyChanged");
+    case Notification::ConfigChanged:
+        return QStringLiteral("PaneforgeConfigChanged");
+    case Notification::EventTapInstalled:
+        return QStringLiteral("PaneforgeEventTapInstalled");
+    case Notification::ListenEventGrantCleared:
+        return QStringLiteral("PaneforgeListenEventGrantCleared");
+    }
+    return {};
+}
+
 struct NotificationCenter::Registry {
     struct Observer {
         std::uint64_t id;
         std::shared_ptr<Callback> callback;
     };
-    std::map<QString, std::vector<Observer>> observers;
+    std::map<Notification, std::vector<Observer>> observers;
     std::uint64_t nextId = 1;
 };
 
 class NotificationCenter::Token final : public NotificationCenter::Observation {
 public:
-    Token(std::weak_ptr<NotificationCenter::Registry> registry, QString name, std::uint64_t id)
+    Token(std::weak_ptr<NotificationCenter::Registry> registry, Notification name, std::uint64_t id)
         : registry_(std::move(registry))
-        , name_(std::move(name))
+        , name_(name)
         , id_(id) {}
     ~Token() override {
         if (auto registry = registry_.lock()) {
@@ -29,7 +53,7 @@ public:
 
 private:
     std::weak_ptr<NotificationCenter::Registry> registry_;
-    QString name_;
+    Notification name_;
     std::uint64_t id_;
 };
 
@@ -37,14 +61,14 @@ NotificationCenter::NotificationCenter()
     : registry_(std::make_shared<Registry>()) {}
 NotificationCenter::~NotificationCenter() = default;
 
-NotificationCenter::ObservationToken NotificationCenter::observe(const QString& name,
+NotificationCenter::ObservationToken NotificationCenter::observe(Notification name,
                                                                  Callback callback) {
     const auto id = registry_->nextId++;
     registry_->observers[name].push_back({id, std::make_shared<Callback>(std::move(callback))});
     return std::make_unique<Token>(registry_, name, id);
 }
 
-void NotificationCenter::post(const QString& name) {
+void NotificationCenter::post(Notification name) {
     const auto it = registry_->observers.find(name);
     if (it == registry_->observers.end()) {
         return;
@@ -62,7 +86,7 @@ void NotificationCenter::post(const QString& name) {
     }
 }
 
-int NotificationCenter::observerCount(const QString& name) const {
+int NotificationCenter::observerCount(Notification name) const {
     const auto it = registry_->observers.find(name);
     return it == registry_->observers.end() ? 0 : static_cast<int>(it->second.size());
 }

@@ -8,24 +8,39 @@
 
 namespace paneforge {
 
-// Names of the process-wide notifications.
+// The process-wide notifications. Their names are the texts other processes and the diagnostic
+// log know them by.
+enum class Notification {
+    HotkeyChanged,
+    PreferencesHotkeyChanged,
+    LayoutSelectorHotkeyChanged,
+    MoveWindowHotkeyChanged,
+    NextLayoutHotkeyChanged,
+    PreviousLayoutHotkeyChanged,
+    ConfigChanged,
+    EventTapInstalled,
+    ListenEventGrantCleared,
+};
+
+// "PaneforgeConfigChanged" and the others.
+QString notificationName(Notification notification);
+
 namespace notifications {
-inline const QString kHotkeyChanged = QStringLiteral("PaneforgeHotkeyChanged");
-inline const QString kPreferencesHotkeyChanged =
-    QStringLiteral("PaneforgePreferencesHotkeyChanged");
-inline const QString kLayoutSelectorHotkeyChanged =
-    QStringLiteral("PaneforgeLayoutSelectorHotkeyChanged");
-inline const QString kMoveWindowHotkeyChanged = QStringLiteral("PaneforgeMoveWindowHotkeyChanged");
-inline const QString kNextLayoutHotkeyChanged = QStringLiteral("PaneforgeNextLayoutHotkeyChanged");
-inline const QString kPreviousLayoutHotkeyChanged =
-    QStringLiteral("PaneforgePreviousLayoutHotkeyChanged");
-inline const QString kConfigChanged = QStringLiteral("PaneforgeConfigChanged");
-inline const QString kEventTapInstalled = QStringLiteral("PaneforgeEventTapInstalled");
-inline const QString kListenEventGrantCleared = QStringLiteral("PaneforgeListenEventGrantCleared");
+inline constexpr Notification kHotkeyChanged = Notification::HotkeyChanged;
+inline constexpr Notification kPreferencesHotkeyChanged = Notification::PreferencesHotkeyChanged;
+inline constexpr Notification kLayoutSelectorHotkeyChanged =
+    Notification::LayoutSelectorHotkeyChanged;
+inline constexpr Notification kMoveWindowHotkeyChanged = Notification::MoveWindowHotkeyChanged;
+inline constexpr Notification kNextLayoutHotkeyChanged = Notification::NextLayoutHotkeyChanged;
+inline constexpr Notification kPreviousLayoutHotkeyChanged =
+    Notification::PreviousLayoutHotkeyChanged;
+inline constexpr Notification kConfigChanged = Notification::ConfigChanged;
+inline constexpr Notification kEventTapInstalled = Notification::EventTapInstalled;
+inline constexpr Notification kListenEventGrantCleared = Notification::ListenEventGrantCleared;
 } // namespace notifications
 
-// Named notifications without payload, delivered synchronously to every observer in the order
-// they registered. Observation lasts as long as the returned token is kept.
+// Notifications without payload, delivered synchronously to every observer in the order they
+// registered. Observation lasts as long as the returned token is kept.
 class NotificationCenter {
 public:
     using Callback = std::function<void()>;
@@ -41,10 +56,10 @@ public:
     NotificationCenter(const NotificationCenter&) = delete;
     NotificationCenter& operator=(const NotificationCenter&) = delete;
 
-    [[nodiscard]] ObservationToken observe(const QString& name, Callback callback);
-    void post(const QString& name);
+    [[nodiscard]] ObservationToken observe(Notification name, Callback callback);
+    void post(Notification name);
 
-    int observerCount(const QString& name) const;
+    int observerCount(Notification name) const;
 
 private:
     struct Registry;

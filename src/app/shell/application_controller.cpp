@@ -1,15 +1,44 @@
 #include "app/shell/application_controller.h"
 
 #include "app/runtime/screen_diagnostics.h"
+#include "core/policies/launch_at_login_sync.h"
+#include "core/policies/update_policy.h"
 
 namespace paneforge {
 
 ApplicationController::ApplicationController(ApplicationServices services)
     : services_(std::move(services))
-    , eventTapManager_(services_.platform.eventTaps(), services_.scheduler,
-                       services_.notifications) {}
+    , systemLog_(LoggerFactory::makeLogger(QStringLiteral("ApplicationController")))
+    , zoneEditor_(services_.fileLog)
+    , layoutSelector_(services_.fileLog)
+    , backupSettings_(services_.fileLog)
+    , restoreSettings_(services_.fileLog)
+    , moveWindow_(services_.platform.windows(), services_.platform.displayFrames(),
+                  services_.platform.displays())
+    , layoutCycle_(services_.fileLog)
+    , quickStart_(services_.fileLog)
+    , preferencesWindow_(services_.views.makePreferencesWindow())
+    , aboutWindow_(services_.views.makeAboutWindow())
+    , hotkeyManager_(services_.platform.hotkeys(), services_.scheduler, services_.fileLog)
+    , eventTapManager_(services_.platform.eventTaps(), services_.scheduler, services_.notifications)
+    , self_(std::make_shared<ApplicationController*>(this)) {}
 
 ApplicationController::~ApplicationController() = default;
+
+std::function<void()> ApplicationController::guarded(std::function<void()> action) const {
+    return [weak = std::weak_ptr<ApplicationController*>(self_), action = std::move(action)] {
+        if (weak.lock()) {
+            action();
+        }
+    };
+}
+
+void ApplicationController::log(const QString& line) const {
+    systemLog_.info(line);
+    if (services_.fileLog) {
+        services_.fileLog(line);
+    }
+}
 
 PaneforgeConfig ApplicationController::loadConfigOrDefault() const {
     try {
@@ -23,19 +52,198 @@ void ApplicationController::start() {
     services_.fileLog(QStringLiteral("ApplicationController.start"));
     ScreenDiagnostics(services_.platform.screens(), services_.fileLog)
         .logTopology(QStringLiteral("appStart"));
-    if (!loadConfigOrDefault().hideMenuBarIcon().value_or(false)) {
+    syncLaunchAtLoginPreferenceWithSystem();
+    applyStatusItemSetting();
+    registerAllHotkeys();
+    observeHotkeyChanges();
+    applyLaunchAtLogin();
+    startSnapAndPermissions();
+    services_.platform.updater().start();
+}
+
+// Hot keys
+
+void ApplicationController::registerAllHotkeys() {
+    for (const HotkeySlot& slot : hotkeySlots()) {
+        registerHotkey(slot);
+    }
+}
+
+void ApplicationController::registerHotkey(const HotkeySlot& slot) {
+    // Read afresh every time: the file is the only truth, never a notification's payload.
+    const auto hotkey = slot.read(loadConfigOrDefault());
+    if (!hotkey) {
+        if (!slot.logName.isEmpty()) {
+            log(slot.logName + QStringLiteral(" hotkey: nil -> unregister"));
+        }
+        hotkeyManager_.unregister(slot.id());
+        return;
+    }
+    if (!slot.logName.isEmpty()) {
+        log(slot.logName + QStringLiteral(" hotkey: keyCode=%1 modifiers=%2")
+                               .arg(hotkey->keyCode)
+                               .arg(hotkey->modifiers));
+    }
+    hotkeyManager_.registerHotkey(slot.id(), *hotkey, hotkeyAction(slot.slot));
+}
+
+std::function<void()> ApplicationController::hotkeyAction(HotkeySlotId slot) {
+    switch (slot) {
+    case HotkeySlotId::OpenEditor:
+        return guarded([this] { handleOpenEditorHotkey(); });
+    case HotkeySlotId::OpenPreferences:
+        return guarded([this] { showPreferencesWindow(); });
+    case HotkeySlotId::OpenLayoutSelector:
+        return guarded([this] { layoutSelector_.showForPointerDisplay(); });
+    case HotkeySlotId::MoveToNextDisplay:
+        return guarded([this] { moveWindow_.moveFrontmostWindowToNextDisplay(); });
+    case HotkeySlotId::NextLayout:
+        return guarded([this] { layoutCycle_.cycleNext(); });
+    case HotkeySlotId::PreviousLayout:
+        return guarded([this] { layoutCycle_.cyclePrevious(); });
+    }
+    return {};
+}
+
+void ApplicationController::handleOpenEditorHotkey() {
+    log(QStringLiteral("ApplicationController.handleOpenEditorHotkey"));
+    // The user may be recording a hot key in the preferences: no editor over them.
+    if (preferencesWindow_ && preferencesWindow_->isVisible()) {
+        return;
+    }
+    zoneEditor_.showEditorForMainDisplay();
+}
+
+void ApplicationController::observeHotkeyChanges() {
+    for (const HotkeySlot& slot : hotkeySlots()) {
+        observations_.push_back(services_.notifications.observe(
+            slot.changed, guarded([this, &slot] { registerHotkey(slot); })));
+    }
+    observations_.push_back(services_.notifications.observe(Notification::ConfigChanged,
+                                                            guarded([this] { configChanged(); })));
+}
+
+void ApplicationController::configChanged() {
+    applyStatusItemSetting();
+    applyLaunchAtLogin();
+    registerAllHotkeys();
+}
+
+// Status item and the windows behind its rows
+
+void ApplicationController::applyStatusItemSetting() {
+    if (loadConfigOrDefault().hideMenuBarIcon().value_or(false)) {
+        hideStatusItem();
+    } else {
         showStatusItem();
     }
-    startSnapAndPermissions();
 }
 
 void ApplicationController::showStatusItem() {
     if (statusItem_) {
         return;
     }
-    statusItem_ = services_.views.makeStatusItem(StatusMenuActions{services_.quit});
+    statusItem_ = services_.views.makeStatusItem(statusMenuActions());
     statusItem_->show();
 }
+
+void ApplicationController::hideStatusItem() {
+    statusItem_.reset();
+}
+
+StatusMenuActions ApplicationController::statusMenuActions() {
+    StatusMenuActions actions;
+    actions.openLayoutSelector = guarded([this] { layoutSelector_.showForPointerDisplay(); });
+    actions.nextLayout = guarded([this] { layoutCycle_.cycleNext(); });
+    actions.previousLayout = guarded([this] { layoutCycle_.cyclePrevious(); });
+    actions.moveToNextDisplay = guarded([this] { moveWindow_.moveFrontmostWindowToNextDisplay(); });
+    actions.displays = [weak = std::weak_ptr<ApplicationController*>(self_)] {
+        std::vector<StatusMenuDisplay> displays;
+        if (const auto self = weak.lock()) {
+            DisplayService& service = (*self)->services_.platform.displays();
+            for (const DisplayId id : service.getActiveDisplays()) {
+                displays.push_back({id, service.getDisplayTitle(id), service.getIdentifier(id)});
+            }
+        }
+        return displays;
+    };
+    actions.openZoneEditorForDisplay =
+        [weak = std::weak_ptr<ApplicationController*>(self_)](DisplayId displayId) {
+            if (const auto self = weak.lock()) {
+                (*self)->zoneEditor_.showEditor(displayId);
+            }
+        };
+    actions.openPreferences = guarded([this] { showPreferencesWindow(); });
+    actions.backupSettings = guarded([this] { backupSettings_.runBackup(); });
+    actions.restoreSettings = guarded([this] { restoreSettings_.runRestore(); });
+    actions.openQuickStart = guarded([this] { quickStart_.show(); });
+    actions.revealLogFile = guarded([this] { revealLogFile(); });
+    actions.checkForUpdates = guarded([this] { checkForUpdates(); });
+    actions.openAbout = guarded([this] { aboutWindow_->show(); });
+    actions.quit = guarded([this] { services_.quit(); });
+    return actions;
+}
+
+void ApplicationController::showPreferencesWindow() {
+    preferencesWindow_->show();
+}
+
+void ApplicationController::checkForUpdates() {
+    UpdateService& updater = services_.platform.updater();
+    if (!updater.checkForUpdates()) {
+        services_.views.alerts().showInformational(UpdateMenuCopy::updaterUnavailableTitle,
+                                                   updater.unavailableMessage());
+    }
+}
+
+void ApplicationController::revealLogFile() {
+    services_.fileLog(QStringLiteral("ApplicationController.revealLogFile path=") +
+                      services_.logFilePath);
+    services_.platform.fileRevealer().reveal(services_.logFilePath);
+}
+
+// Launch at login
+
+void ApplicationController::syncLaunchAtLoginPreferenceWithSystem() {
+    LoginItemService& loginItems = services_.platform.loginItems();
+    if (!loginItems.appliesToThisCopy()) {
+        return;
+    }
+    const PaneforgeConfig config = loadConfigOrDefault();
+    const auto sync = LaunchAtLoginSyncHelper::computeSync(config.launchAtLogin().value_or(false),
+                                                           isRegistered(loginItems.status()));
+    if (!sync.shouldUpdatePreference) {
+        return;
+    }
+    try {
+        services_.configStore.saveConfig(config.withLaunchAtLogin(sync.updatedValue));
+    } catch (const std::exception&) {
+        // The store logs its own failures; the system's state is applied all the same.
+    }
+    lastAppliedLaunchAtLogin_ = sync.updatedValue;
+}
+
+void ApplicationController::applyLaunchAtLogin() {
+    LoginItemService& loginItems = services_.platform.loginItems();
+    if (!loginItems.appliesToThisCopy()) {
+        return;
+    }
+    const bool desired = loadConfigOrDefault().launchAtLogin().value_or(false);
+    if (lastAppliedLaunchAtLogin_ == desired) {
+        return;
+    }
+    // Remembered even when the system refuses, so that a failure is not retried on every change
+    // of another setting.
+    lastAppliedLaunchAtLogin_ = desired;
+    const bool registered = isRegistered(loginItems.status());
+    if (desired && !registered) {
+        loginItems.registerItem();
+    } else if (!desired && registered) {
+        loginItems.unregisterItem();
+    }
+}
+
+// Snapping
 
 void ApplicationController::startSnapAndPermissions() {
     Platform& platform = services_.platform;

@@ -1,14 +1,21 @@
 #pragma once
 
 #include "app/input/event_tap_manager.h"
+#include "app/input/hotkey_manager.h"
+#include "app/input/hotkey_slots.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
 #include "app/runtime/notification_center.h"
+#include "app/shell/stand_in_controllers.h"
+#include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
 #include "core/config/config_store.h"
+#include "core/diagnostics/logger_factory.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace paneforge {
 
@@ -21,11 +28,15 @@ struct ApplicationServices {
     NotificationCenter& notifications;
     ConfigStore& configStore;
     std::function<void(const QString&)> fileLog;
+    // The diagnostic log file, for "Reveal Log File".
+    QString logFilePath;
     // Ends the event loop.
     std::function<void()> quit;
 };
 
-// Owns every feature controller for the life of the process and starts them in order.
+// Owns every feature controller for the life of the process, starts them in order, and then only
+// reacts: the change notifications re-apply the configuration, the hot keys and the status menu
+// call into the feature controllers. Every callback it hands out does nothing once it is gone.
 class ApplicationController {
 public:
     explicit ApplicationController(ApplicationServices services);
@@ -40,14 +51,49 @@ public:
     bool isEventTapInstalled() const { return eventTapManager_.isTapInstalled(); }
 
 private:
+    void registerAllHotkeys();
+    void registerHotkey(const HotkeySlot& slot);
+    std::function<void()> hotkeyAction(HotkeySlotId slot);
+    void handleOpenEditorHotkey();
+    void observeHotkeyChanges();
+    void configChanged();
+
+    void applyStatusItemSetting();
     void showStatusItem();
+    void hideStatusItem();
+    StatusMenuActions statusMenuActions();
+    void showPreferencesWindow();
+    void checkForUpdates();
+    void revealLogFile();
+
+    void syncLaunchAtLoginPreferenceWithSystem();
+    void applyLaunchAtLogin();
+
     void startSnapAndPermissions();
     PaneforgeConfig loadConfigOrDefault() const;
+    void log(const QString& line) const;
+    // Wraps `action` so that it runs only while this controller exists.
+    std::function<void()> guarded(std::function<void()> action) const;
 
     ApplicationServices services_;
+    Logger systemLog_;
+    StandInZoneEditorController zoneEditor_;
+    StandInLayoutSelectorController layoutSelector_;
+    StandInBackupSettingsController backupSettings_;
+    StandInRestoreSettingsController restoreSettings_;
+    MoveWindowController moveWindow_;
+    StandInLayoutCycleController layoutCycle_;
+    StandInQuickStartController quickStart_;
+    std::unique_ptr<ShellWindow> preferencesWindow_;
+    std::unique_ptr<ShellWindow> aboutWindow_;
+    std::unique_ptr<StatusItemView> statusItem_;
+    HotkeyManager hotkeyManager_;
     EventTapManager eventTapManager_;
     std::unique_ptr<SnapController> snapController_;
-    std::unique_ptr<StatusItemView> statusItem_;
+    // None until launch at login was first applied.
+    std::optional<bool> lastAppliedLaunchAtLogin_;
+    std::vector<NotificationCenter::ObservationToken> observations_;
+    std::shared_ptr<ApplicationController*> self_;
 };
 
 } // namespace paneforge

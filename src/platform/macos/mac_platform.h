@@ -8,6 +8,7 @@
 #include "platform/macos/mac_event_tap_api.h"
 #include "platform/macos/mac_hotkey_api.h"
 #include "platform/macos/mac_keyboard_layout.h"
+#include "platform/macos/mac_shell_services.h"
 #include "platform/unix/termination_signals.h"
 
 namespace paneforge {
@@ -21,7 +22,8 @@ public:
     bool compositingAvailable() override { return true; }
 };
 
-// The macOS services: accessibility, Core Graphics displays and event taps, Carbon hot keys.
+// The macOS services: accessibility, Core Graphics displays and event taps, Carbon hot keys,
+// login items, the updater and the Finder.
 class MacPlatform final : public Platform {
 public:
     explicit MacPlatform(const PlatformContext& context);
@@ -35,6 +37,12 @@ public:
     KeyboardLayoutProvider& keyboardLayout() override { return keyboardLayout_; }
     KeyboardKeyTranslator& keyTranslator() override { return keyTranslator_; }
     NativeWindows& nativeWindows() override { return nativeWindows_; }
+    LoginItemService& loginItems() override { return loginItems_; }
+    UpdateService& updater() override { return updater_; }
+    FileRevealer& fileRevealer() override { return fileRevealer_; }
+    // An accessory application: no Dock icon, no main menu, never ended by the system to
+    // reclaim memory (sudden and automatic termination off).
+    void becomeMenuBarAgent() override;
     void quitOnTerminationSignals(std::function<void()> quit) override;
 
 private:
@@ -47,6 +55,9 @@ private:
     MacKeyboardLayoutProvider keyboardLayout_;
     MacKeyTranslator keyTranslator_;
     MacNativeWindows nativeWindows_;
+    MacLoginItem loginItems_;
+    SparkleUpdateService updater_;
+    FinderFileRevealer fileRevealer_;
     TerminationSignals terminationSignals_;
 };
 

@@ -27,6 +27,16 @@ MacPlatform::MacPlatform(const PlatformContext& context)
     : accessibility_(accessibilityApi_, context.fileLog)
     , displays_(displayApi_, LoggerFactory::makeLogger(QStringLiteral("DisplayService"))) {}
 
+void MacPlatform::becomeMenuBarAgent() {
+    // NSApplication.h: -setActivationPolicy: with NSApplicationActivationPolicyAccessory. Qt made
+    // the process a regular application while it started; this undoes it.
+    [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
+    // NSProcessInfo.h: -disableSuddenTermination, -disableAutomaticTermination:.
+    NSProcessInfo* process = NSProcessInfo.processInfo;
+    [process disableSuddenTermination];
+    [process disableAutomaticTermination:@"Paneforge stays running as a menu bar agent"];
+}
+
 void MacPlatform::quitOnTerminationSignals(std::function<void()> quit) {
     terminationSignals_.quitOn(std::move(quit));
 }

@@ -20,7 +20,8 @@ bool X11NativeWindows::compositingAvailable() {
 X11Platform::X11Platform(const PlatformContext& context)
     : displays_(connection_)
     , windows_(connection_, context.scheduler, context.fileLog)
-    , nativeWindows_(connection_) {}
+    , nativeWindows_(connection_)
+    , loginItems_(XdgAutostartLoginItem::forThisProcess()) {}
 
 void X11Platform::quitOnTerminationSignals(std::function<void()> quit) {
     terminationSignals_.quitOn(std::move(quit));

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "app/ports/platform.h"
+#include "core/policies/update_policy.h"
 #include "platform/unix/termination_signals.h"
+#include "platform/x11/dbus_file_revealer.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_event_tap_api.h"
 #include "platform/x11/x11_hotkey_api.h"
 #include "platform/x11/x11_window_service.h"
+#include "platform/x11/xdg_autostart.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 
 namespace paneforge {
@@ -28,6 +31,15 @@ private:
     X11Connection& connection_;
 };
 
+// Linux distributions update Paneforge through their package manager; there is no updater of its
+// own to start or ask.
+class PackageManagerUpdates final : public UpdateService {
+public:
+    void start() override {}
+    bool checkForUpdates() override { return false; }
+    QString unavailableMessage() const override { return UpdateMenuCopy::packageManagerMessage; }
+};
+
 // The X11 services, each over its own XCB connection, read from Qt's event loop.
 class X11Platform final : public Platform {
 public:
@@ -44,6 +56,11 @@ public:
     KeyboardLayoutProvider& keyboardLayout() override { return keyboardLayout_; }
     KeyboardKeyTranslator& keyTranslator() override { return keyTranslator_; }
     NativeWindows& nativeWindows() override { return nativeWindows_; }
+    LoginItemService& loginItems() override { return loginItems_; }
+    UpdateService& updater() override { return updates_; }
+    FileRevealer& fileRevealer() override { return fileRevealer_; }
+    // A tray agent has no Dock or main menu to leave, and nothing ends it behind its back.
+    void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()> quit) override;
 
 private:
@@ -55,6 +72,9 @@ private:
     XkbKeyboardLayoutProvider keyboardLayout_;
     XkbKeyTranslator keyTranslator_;
     X11NativeWindows nativeWindows_;
+    XdgAutostartLoginItem loginItems_;
+    PackageManagerUpdates updates_;
+    DBusFileRevealer fileRevealer_;
     TerminationSignals terminationSignals_;
 };
 

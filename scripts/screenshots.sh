@@ -1,0 +1,110 @@
+#!/usr/bin/env bash
+# Pictures of what a person sees, taken from the real agent in a private X session (Xvfb split into
+# two monitors, openbox, a trayer tray host), written as PNGs into docs/screenshots/:
+#   tray-menu.png   the tray menu, open on its "Zone Editor…" submenu of displays
+#   about.png       the about window
+# Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build/default}
+agent=$build/src/paneforge
+out=docs/screenshots
+[[ -x $agent ]] || { echo "screenshots: no agent at $agent; build it first" >&2; exit 1; }
+
+# ImageMagick's import grabs the screen.
+if ! import -version 2>/dev/null | grep -q ImageMagick; then
+  sudo=()
+  [[ $(id -u) -eq 0 ]] || sudo=(sudo)
+  echo "screenshots: installing imagemagick"
+  "${sudo[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends imagemagick
+fi
+
+work=$(mktemp -d)
+pids=()
+cleanup() {
+  local i
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do kill "${pids[i]}" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+# Polls a shell condition for up to ten seconds.
+wait_for() {
+  local i
+  for ((i = 0; i < 200; i++)); do
+    if eval "$1" >/dev/null 2>&1; then return 0; fi
+    sleep 0.05
+  done
+  echo "screenshots: timed out waiting for: $1" >&2
+  exit 1
+}
+
+number=400
+while [[ -e /tmp/.X$number-lock || -e /tmp/.X11-unix/X$number ]]; do number=$((number + 1)); done
+export DISPLAY=:$number
+unset QT_QPA_PLATFORM
+Xvfb "$DISPLAY" -screen 0 1920x1080x24 -nolisten tcp -noreset >"$work/xvfb.log" 2>&1 &
+pids+=($!)
+wait_for xdpyinfo
+xrandr --setmonitor LEFT 960/254x1080/286+0+0 screen
+xrandr --setmonitor RIGHT 960/254x1080/286+960+0 none
+xsetroot -solid '#5e6b7d'
+openbox --sm-disable >"$work/openbox.log" 2>&1 &
+pids+=($!)
+wait_for 'xprop -root _NET_WORKAREA | grep -q ='
+trayer --edge bottom --align right --widthtype request --height 26 \
+  --transparent true --alpha 0 --tint 0xe8e8e8 >"$work/trayer.log" 2>&1 &
+pids+=($!)
+
+XDG_CONFIG_HOME=$work/config XDG_STATE_HOME=$work/state "$agent" 2>"$work/agent.log" &
+pids+=($!)
+wait_for 'grep -q "ready in" "$work/agent.log"'
+
+agent_windows() { xdotool search --onlyvisible --classname paneforge 2>/dev/null | wc -l; }
+# Prints "x y width height" of a window.
+geometry() {
+  xdotool getwindowgeometry --shell "$1" | awk -F= '/^(X|Y|WIDTH|HEIGHT)=/ { printf "%s ", $2 } END { print "" }'
+}
+open_menu() {
+  local icon x y w h
+  icon=$(xdotool search --onlyvisible --classname paneforge | head -n 1)
+  read -r x y w h < <(geometry "$icon")
+  xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 1
+  wait_for '(($(agent_windows) >= 2))'
+}
+wait_for '(($(agent_windows) == 1))'
+mkdir -p "$out"
+
+# The menu with its submenu: the picture covers both, the tray icon and a margin of desktop.
+open_menu
+xdotool key Down Down Down Down Down Right
+wait_for '(($(agent_windows) >= 3))'
+sleep 0.5 # let both menus paint
+left=99999 top=99999 right=0 bottom=0
+for window in $(xdotool search --onlyvisible --classname paneforge); do
+  read -r x y w h < <(geometry "$window")
+  ((x < left)) && left=$x
+  ((y < top)) && top=$y
+  ((x + w > right)) && right=$((x + w))
+  ((y + h > bottom)) && bottom=$((y + h))
+done
+margin=24
+left=$((left - margin > 0 ? left - margin : 0))
+top=$((top - margin > 0 ? top - margin : 0))
+right=$((right + margin < 1920 ? right + margin : 1920))
+bottom=$((bottom + margin < 1080 ? bottom + margin : 1080))
+import -window root -crop "$((right - left))x$((bottom - top))+$left+$top" +repage "$out/tray-menu.png"
+xdotool key Escape Escape
+
+# The about window, with its title bar.
+wait_for '(($(agent_windows) == 1))'
+open_menu
+xdotool key Up Up Return
+wait_for "xdotool search --onlyvisible --name '^About Paneforge\$'"
+sleep 0.5
+about=$(xdotool search --onlyvisible --name '^About Paneforge$' | head -n 1)
+import -frame -window "$about" "$out/about.png"
+
+echo "screenshots: wrote $out/tray-menu.png and $out/about.png"

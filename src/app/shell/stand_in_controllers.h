@@ -1,0 +1,85 @@
+#pragma once
+
+#include "app/ports/display_services.h"
+#include "app/ports/shell_windows.h"
+
+#include <QString>
+#include <functional>
+
+namespace paneforge {
+
+// Stand-ins for the feature controllers that are not built yet, with the entry points the menu
+// and the hot keys call. Each call writes one diagnostic line and does nothing else, so every row
+// and hot key is wired and its use shows in the log until the real controller takes its place.
+class StandInController {
+public:
+    using LogSink = std::function<void(const QString&)>;
+
+protected:
+    StandInController(QString type, LogSink log)
+        : type_(std::move(type))
+        , log_(std::move(log)) {}
+    // "<type>.<entry> [detail]: not built yet"
+    void called(const QString& entry, const QString& detail = {}) const;
+
+private:
+    QString type_;
+    LogSink log_;
+};
+
+class StandInZoneEditorController final : public StandInController {
+public:
+    explicit StandInZoneEditorController(LogSink log)
+        : StandInController(QStringLiteral("StandInZoneEditorController"), std::move(log)) {}
+    void showEditorForMainDisplay() { called(QStringLiteral("showEditorForMainDisplay")); }
+    void showEditor(DisplayId displayId) {
+        called(QStringLiteral("showEditor"), QStringLiteral("displayId=%1").arg(displayId));
+    }
+};
+
+class StandInLayoutSelectorController final : public StandInController {
+public:
+    explicit StandInLayoutSelectorController(LogSink log)
+        : StandInController(QStringLiteral("StandInLayoutSelectorController"), std::move(log)) {}
+    void showForPointerDisplay() { called(QStringLiteral("showForPointerDisplay")); }
+};
+
+class StandInLayoutCycleController final : public StandInController {
+public:
+    explicit StandInLayoutCycleController(LogSink log)
+        : StandInController(QStringLiteral("StandInLayoutCycleController"), std::move(log)) {}
+    void cycleNext() { called(QStringLiteral("cycleNext")); }
+    void cyclePrevious() { called(QStringLiteral("cyclePrevious")); }
+};
+
+class StandInBackupSettingsController final : public StandInController {
+public:
+    explicit StandInBackupSettingsController(LogSink log)
+        : StandInController(QStringLiteral("StandInBackupSettingsController"), std::move(log)) {}
+    void runBackup() { called(QStringLiteral("runBackup")); }
+};
+
+class StandInRestoreSettingsController final : public StandInController {
+public:
+    explicit StandInRestoreSettingsController(LogSink log)
+        : StandInController(QStringLiteral("StandInRestoreSettingsController"), std::move(log)) {}
+    void runRestore() { called(QStringLiteral("runRestore")); }
+};
+
+class StandInQuickStartController final : public StandInController {
+public:
+    explicit StandInQuickStartController(LogSink log)
+        : StandInController(QStringLiteral("StandInQuickStartController"), std::move(log)) {}
+    void show() { called(QStringLiteral("show")); }
+};
+
+// The preferences window until it exists: never visible.
+class StandInPreferencesWindow final : public StandInController, public ShellWindow {
+public:
+    explicit StandInPreferencesWindow(LogSink log)
+        : StandInController(QStringLiteral("StandInPreferencesWindow"), std::move(log)) {}
+    void show() override { called(QStringLiteral("show")); }
+    bool isVisible() const override { return false; }
+};
+
+} // namespace paneforge
