@@ -157,14 +157,7 @@ private Q_SLOTS:
         QCOMPARE(P::coachTitle(current).isEmpty(), current == PrivacyCoachStep::Ready);
     }
 
-    void coachTextsAndReset() {
-        namespace P = PrivacyPermissionPolicy;
-        QCOMPARE(P::coachButtonTitle(PrivacyCoachStep::ListenEvent),
-                 QStringLiteral("Open Input Monitoring"));
-        QVERIFY(P::coachMessage(PrivacyCoachStep::ListenEvent)
-                    .endsWith("Click + and choose Paneforge.app."));
-        QVERIFY(P::coachMessage(PrivacyCoachStep::Ready).isEmpty());
-
+    void tccResetOnlyForAStaleGrant() {
         RecordingRunner runner;
         TccResetService reset(runner, "app.test");
         QVERIFY(!reset.resetStaleGrantIfNeeded(PrivacyTccService::Accessibility, true));
@@ -175,26 +168,29 @@ private Q_SLOTS:
         QVERIFY(!reset.runReset(PrivacyTccService::Accessibility));
     }
 
-    void quickStart() {
-        QCOMPARE(QuickStartGuide::pages().size(), size_t(3));
-        QCOMPARE(QuickStartGuide::nextIndex(2), std::nullopt);
+    void quickStartNavigation() {
         QCOMPARE(QuickStartGuide::nextIndex(1), std::optional(2));
+        QCOMPARE(QuickStartGuide::nextIndex(2), std::nullopt);
+        QCOMPARE(QuickStartGuide::previousIndex(1), std::optional(0));
         QCOMPARE(QuickStartGuide::previousIndex(0), std::nullopt);
-        QVERIFY(QuickStartGuide::isLast(2));
+        QVERIFY(QuickStartGuide::isLast(2) && !QuickStartGuide::isLast(1));
         QVERIFY(!QuickStartGuide::isLast(5));
-        QVERIFY(!QuickStartGuide::isLast(1));
-        QCOMPARE(QuickStartGuide::page(1)->primaryActionTitle,
-                 std::optional<QString>("Open Zone Editor"));
-        QVERIFY(!QuickStartGuide::page(0)->primaryActionTitle &&
-                !QuickStartGuide::page(2)->primaryActionTitle);
-        QVERIFY(QuickStartGuide::page(2)->body.startsWith(QString::fromUtf8("Hold ⌘ and drag")));
-        QCOMPARE(rawValue(QuickStartPageId::CreateLayout), QStringLiteral("createLayout"));
+        // Shown by itself only to someone who has not completed it (never on a fresh setting).
         QVERIFY(QuickStartPolicy::shouldAutoPresent(false));
         QVERIFY(!QuickStartPolicy::shouldAutoPresent(true));
         QVERIFY(!QuickStartPolicy::shouldAutoPresent(std::nullopt));
     }
 
-    void updaterAndLoginItem_data() {
+    void loginItemFollowsTheSystem() {
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, false),
+                 (LaunchAtLoginSyncResult{true, false}));
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(false, true),
+                 (LaunchAtLoginSyncResult{true, true}));
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, true),
+                 (LaunchAtLoginSyncResult{false, true}));
+    }
+
+    void updaterStartsOnlyFromABundle_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("starts");
         QTest::newRow("bundle") << "/Applications/Paneforge.app" << true;
@@ -204,15 +200,10 @@ private Q_SLOTS:
         QTest::newRow("other extension") << "/tmp/Paneforge.application" << false;
         QTest::newRow("hidden file named app") << "/tmp/.app" << false;
     }
-    void updaterAndLoginItem() {
+    void updaterStartsOnlyFromABundle() {
         QFETCH(QString, path);
         QFETCH(bool, starts);
         QCOMPARE(UpdaterLaunchPolicy::shouldStartUpdater(path), starts);
-        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, false),
-                 (LaunchAtLoginSyncResult{true, false}));
-        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, true),
-                 (LaunchAtLoginSyncResult{false, true}));
-        QCOMPARE(UpdateMenuCopy::checkForUpdates, QString::fromUtf8("Check for Updates…"));
     }
 };
 
