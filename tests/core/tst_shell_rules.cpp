@@ -73,34 +73,28 @@ private Q_SLOTS:
     }
 
     void hotkeyTexts_data() {
-        QTest::addColumn<bool>("hasHotkey");
-        QTest::addColumn<uint>("keyCode");
-        QTest::addColumn<uint>("modifiers");
+        using Hotkey = std::optional<HotkeyDefinition>;
+        QTest::addColumn<Hotkey>("hotkey");
         QTest::addColumn<QString>("text");
-        QTest::newRow("not set") << false << 0u << 0u << "Not set";
-        QTest::newRow("command shift E") << true << 14u << 768u << QString::fromUtf8("⌘ + ⇧ + E");
-        QTest::newRow("fixed order") << true << 0u << (4096u | 512u | 2048u | 256u)
-                                     << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
-        QTest::newRow("space alone") << true << 49u << 0u << "Space";
-        QTest::newRow("return") << true << 36u << 256u << QString::fromUtf8("⌘ + ↩");
-        QTest::newRow("arrows") << true << 126u << 0u << QString::fromUtf8("↑");
-        QTest::newRow("escape") << true << 53u << 0u << QString::fromUtf8("⎋");
-        QTest::newRow("no character: key number") << true << 122u << 0u << "Key 122";
-        QTest::newRow("upper-cased by the layout") << true << 27u << 0u << QString::fromUtf8("SS");
-        QTest::newRow("beyond 16 bits") << true << 70000u << 0u << "Key 70000";
+        QTest::newRow("not set") << Hotkey() << "Not set";
+        QTest::newRow("command shift E") << Hotkey({14, 768}) << QString::fromUtf8("⌘ + ⇧ + E");
+        QTest::newRow("fixed order")
+            << Hotkey({0, 4096 | 512 | 2048 | 256}) << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
+        QTest::newRow("space alone") << Hotkey({49, 0}) << "Space";
+        QTest::newRow("return") << Hotkey({36, 256}) << QString::fromUtf8("⌘ + ↩");
+        QTest::newRow("arrows") << Hotkey({126, 0}) << QString::fromUtf8("↑");
+        QTest::newRow("escape") << Hotkey({53, 0}) << QString::fromUtf8("⎋");
+        QTest::newRow("no character: key number") << Hotkey({122, 0}) << "Key 122";
+        QTest::newRow("upper-cased by the layout") << Hotkey({27, 0}) << QString::fromUtf8("SS");
+        QTest::newRow("beyond 16 bits") << Hotkey({70000, 0}) << "Key 70000";
     }
     void hotkeyTexts() {
-        QFETCH(bool, hasHotkey);
-        QFETCH(uint, keyCode);
-        QFETCH(uint, modifiers);
+        QFETCH(std::optional<HotkeyDefinition>, hotkey);
         QFETCH(QString, text);
         FakeLayoutProvider layouts;
         FakeTranslator translator;
         const KeyNameProvider names(layouts, translator);
-        const HotkeyFormatter formatter(names);
-        const auto hotkey =
-            hasHotkey ? std::optional(HotkeyDefinition{keyCode, modifiers}) : std::nullopt;
-        QCOMPARE(formatter.format(hotkey), text);
+        QCOMPARE(HotkeyFormatter(names).format(hotkey), text);
     }
 
     void keyNamesWithoutALayout() {

@@ -75,8 +75,6 @@ private Q_SLOTS:
         QTest::newRow("keypad enter")
             << NativeKey{Qt::Key_Enter, Qt::KeypadModifier, 104, 0x4C, 0x00200000}
             << std::optional(KeyPress{0x4C, 0});
-        QTest::newRow("escape") << NativeKey{Qt::Key_Escape, {}, 9, 0x35, 0}
-                                << std::optional(KeyPress{53, 0});
         QTest::newRow("shift alone is no press") << kShiftAlone << std::optional<KeyPress>();
         QTest::newRow("caps lock alone is no press")
             << NativeKey{Qt::Key_CapsLock, {}, 66, 0x39, kCapsFlag} << std::optional<KeyPress>();

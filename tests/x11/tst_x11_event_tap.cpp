@@ -103,13 +103,10 @@ private Q_SLOTS:
             X11DesktopSpace::toRoot({before->midX(), before->maxY() - extents[2] / 2.0});
         const QPoint start = titleBar.toPoint();
 
-        X11EventTapApi api(display_.constData());
-        ManualScheduler scheduler;
-        NotificationCenter center;
         int installed = 0;
         const auto observer =
-            center.observe(notifications::kEventTapInstalled, [&] { ++installed; });
-        RecordingTap tap(api, scheduler, center);
+            center_.observe(notifications::kEventTapInstalled, [&] { ++installed; });
+        RecordingTap tap(api_, scheduler_, center_);
         EventTapManager& manager = tap.manager;
         const QList<InputEvent>& events = tap.events;
         QVERIFY(manager.isTapInstalled());
@@ -171,17 +168,14 @@ private Q_SLOTS:
         manager.stopInstalledTap();
         QVERIFY(!manager.isTapInstalled());
         const auto count = events.size();
-        RecordingTap second(api, scheduler, center);
+        RecordingTap second(api_, scheduler_, center_);
         QVERIFY(xdotool({"mousedown", "1", "mouseup", "1"}));
         QTRY_COMPARE_WITH_TIMEOUT(sequence(second.events), QStringList({"down", "up"}), 10000);
         QCOMPARE(events.size(), count);
     }
 
     void followsAChangedModifierMapping() {
-        X11EventTapApi api(display_.constData());
-        ManualScheduler scheduler;
-        NotificationCenter center;
-        RecordingTap tap(api, scheduler, center);
+        RecordingTap tap(api_, scheduler_, center_);
         const QList<InputEvent>& events = tap.events;
 
         // The left Super key becomes a Control key while the tap runs. The server tells every
@@ -201,10 +195,7 @@ private Q_SLOTS:
     }
 
     void handlerMayDropItsOwnTap() {
-        X11EventTapApi api(display_.constData());
-        ManualScheduler scheduler;
-        NotificationCenter center;
-        EventTapManager manager(api, scheduler, center);
+        EventTapManager manager(api_, scheduler_, center_);
         QList<InputEvent> events;
         manager.setHandler([&](const InputEvent& event) {
             events << event;
@@ -213,7 +204,7 @@ private Q_SLOTS:
         fakes::arm(manager);
         QVERIFY(manager.isTapInstalled());
         // A tap on a connection of its own tells when the server has sent everything.
-        RecordingTap witness(api, scheduler, center);
+        RecordingTap witness(api_, scheduler_, center_);
         const QList<InputEvent>& seen = witness.events;
 
         // Both presses reach the dropped tap's connection in one read.
@@ -272,6 +263,9 @@ private Q_SLOTS:
 private:
     X11TestSession& session_;
     QByteArray display_;
+    X11EventTapApi api_{display_.constData()};
+    ManualScheduler scheduler_;
+    NotificationCenter center_;
     X11Connection connection_;
     ManualScheduler windowScheduler_;
     X11WindowService windows_{connection_, windowScheduler_, nullptr};
