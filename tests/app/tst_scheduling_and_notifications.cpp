@@ -78,13 +78,15 @@ private Q_SLOTS:
         const auto once = scheduler->postAfter(0.01, [&] { ++onceRuns; });
         once->cancel();
         QVERIFY(!once->isActive());
+        // A tick that came after the cancel would come before `done` too.
+        bool done = false;
+        Scheduler& later = *scheduler;
         ScheduledWorkHandle repeating = scheduler->repeatEvery(0.01, [&] {
             if (++repeats == 3) {
                 repeating->cancel(); // work may stop itself
+                later.postAfter(0.03, [&] { done = true; });
             }
         });
-        bool done = false;
-        scheduler->postAfter(0.1, [&] { done = true; });
         QVERIFY(runUntil([&] { return done; }));
         QCOMPARE(onceRuns, 0);
         QCOMPARE(repeats, 3);
