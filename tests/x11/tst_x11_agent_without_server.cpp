@@ -1,6 +1,6 @@
-#include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 // The real agent pointed at a display where no X server listens: it must give up at once with a
@@ -20,8 +20,9 @@ private Q_SLOTS:
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("DISPLAY"), display);
         env.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), QDir::tempPath());
-        env.insert(QStringLiteral("XDG_STATE_HOME"), QDir::tempPath());
+        const QTemporaryDir home;
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+        env.insert(QStringLiteral("XDG_STATE_HOME"), home.path());
         QProcess agent;
         agent.setProcessEnvironment(env);
         agent.start(QStringLiteral(PANEFORGE_AGENT), {});
