@@ -1,50 +1,96 @@
 #include "app/runtime/notification_center.h"
+#include "app/runtime/qt_scheduler.h"
 #include "manual_scheduler.h"
 
 #include <QTest>
 
 using namespace paneforge;
 
+namespace {
+
+// A scheduler and the way to let its time pass: the manual clock in steps of a millisecond, Qt's
+// event loop until the condition holds (or a generous deadline passes).
+struct Subject {
+    std::unique_ptr<Scheduler> scheduler;
+    std::function<bool(const std::function<bool()>&)> runUntil;
+};
+
+Subject subject() {
+    QFETCH(bool, manual);
+    if (!manual) {
+        return {std::make_unique<QtScheduler>(),
+                [](const std::function<bool()>& done) { return QTest::qWaitFor(done, 10000); }};
+    }
+    auto scheduler = std::make_unique<ManualScheduler>();
+    auto* clock = scheduler.get();
+    return {std::move(scheduler), [clock](const std::function<bool()>& done) {
+                for (int step = 0; step < 10000 && !done(); ++step) {
+                    clock->advance(0.001);
+                }
+                return done();
+            }};
+}
+
+} // namespace
+
+// One contract for both schedulers: what the agent runs on is what the tests step by hand.
 class SchedulingAndNotificationsTest : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void timersFireInTimeOrder() {
-        ManualScheduler scheduler;
-        QStringList fired;
-        scheduler.postAfter(0.08, [&] { fired << QStringLiteral("reapply"); });
-        scheduler.post([&] { fired << QStringLiteral("posted"); });
-        auto retry = scheduler.repeatEvery(1.0, [&] { fired << QStringLiteral("retry"); });
-        scheduler.advance(0.05);
-        QCOMPARE(fired, QStringList{QStringLiteral("posted")});
-        scheduler.advance(2.0);
-        QCOMPARE(fired, (QStringList{QStringLiteral("posted"), QStringLiteral("reapply"),
-                                     QStringLiteral("retry"), QStringLiteral("retry")}));
-        QCOMPARE(scheduler.now(), 2.05);
+    void schedulers() {
+        QTest::addColumn<bool>("manual");
+        QTest::newRow("ManualScheduler") << true;
+        QTest::newRow("QtScheduler") << false;
     }
 
+private Q_SLOTS:
+    void postRunsAfterTheCurrentWork_data() { schedulers(); }
+    void postRunsAfterTheCurrentWork() {
+        auto [scheduler, runUntil] = subject();
+        QStringList ran;
+        scheduler->post([&] { ran << "first"; });
+        scheduler->post([&] { ran << "second"; });
+        QVERIFY(ran.isEmpty());
+        QVERIFY(runUntil([&] { return ran.size() == 2; }));
+        QCOMPARE(ran, (QStringList{"first", "second"}));
+    }
+
+    void delayedWorkRunsOnceInTimeOrder_data() { schedulers(); }
+    void delayedWorkRunsOnceInTimeOrder() {
+        auto [scheduler, runUntil] = subject();
+        QStringList ran;
+        const auto late = scheduler->postAfter(0.04, [&] { ran << "late"; });
+        const auto early = scheduler->postAfter(0.01, [&] { ran << "early"; });
+        QVERIFY(late->isActive() && early->isActive());
+        bool done = false;
+        scheduler->postAfter(0.08, [&] { done = true; }); // handle dropped: still runs
+        QVERIFY(runUntil([&] { return done; }));
+        QCOMPARE(ran, (QStringList{"early", "late"}));
+        QVERIFY(!late->isActive() && !early->isActive());
+        late->cancel(); // harmless after the work ran
+    }
+
+    void cancelledWorkNeverRuns_data() { schedulers(); }
     void cancelledWorkNeverRuns() {
-        ManualScheduler scheduler;
-        int runs = 0;
-        auto once = scheduler.postAfter(1.0, [&] { ++runs; });
-        ScheduledWorkHandle repeating;
-        repeating = scheduler.repeatEvery(1.0, [&] {
-            ++runs;
-            repeating->cancel(); // a timer may stop itself
-        });
+        auto [scheduler, runUntil] = subject();
+        int onceRuns = 0;
+        int repeats = 0;
+        const auto once = scheduler->postAfter(0.01, [&] { ++onceRuns; });
         once->cancel();
         QVERIFY(!once->isActive());
-        scheduler.advance(5.0);
-        QCOMPARE(runs, 1);
-        QCOMPARE(scheduler.activeTimerCount(), 0);
-    }
-
-    void droppedHandleKeepsWorkScheduled() {
-        ManualScheduler scheduler;
-        int runs = 0;
-        scheduler.postAfter(0.5, [&] { ++runs; });
-        scheduler.advance(1.0);
-        QCOMPARE(runs, 1);
+        // A tick that came after the cancel would come before `done` too.
+        bool done = false;
+        Scheduler& later = *scheduler;
+        ScheduledWorkHandle repeating = scheduler->repeatEvery(0.01, [&] {
+            if (++repeats == 3) {
+                repeating->cancel(); // work may stop itself
+                later.postAfter(0.03, [&] { done = true; });
+            }
+        });
+        QVERIFY(runUntil([&] { return done; }));
+        QCOMPARE(onceRuns, 0);
+        QCOMPARE(repeats, 3);
+        QVERIFY(!repeating->isActive());
     }
 
     void notificationsReachObserversWhileTokenLives() {
@@ -72,5 +118,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(SchedulingAndNotificationsTest)
+QTEST_GUILESS_MAIN(SchedulingAndNotificationsTest)
 #include "tst_scheduling_and_notifications.moc"

@@ -64,7 +64,7 @@ private Q_SLOTS:
         QVERIFY(DisplayIdentifier::fromJson(id.toJson()) == id);
     }
 
-    void getOrCreateNeverStores() {
+    void staleOrMissingActiveLayout() {
         const auto config = PaneforgeConfig::makeDefault();
         const auto created = service().getOrCreateLayout(config, kDisplay);
         QCOMPARE(created.id(), QStringLiteral("display-v16-p2-s7"));
@@ -86,20 +86,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("existing");
         QTest::addColumn<QString>("saved");
         QTest::addColumn<bool>("duplicate");
-        QTest::newRow("ASCII") << "Work"
-                               << "work" << true;
-        QTest::newRow("German umlaut")
-            << QString::fromUtf8("Ärger") << QString::fromUtf8("äRGER") << true;
-        QTest::newRow("Greek with final sigma")
-            << QString::fromUtf8("ΣΊΣΥΦΟΣ") << QString::fromUtf8("σίσυφος") << true;
-        QTest::newRow("Cyrillic") << QString::fromUtf8("Работа") << QString::fromUtf8("  РАБОТА\n")
-                                  << true;
-        QTest::newRow("ideographic and no-break spaces trimmed")
-            << "Code" << QString::fromUtf8("\u3000Code\u00A0\u2028") << true;
-        QTest::newRow("different names") << "Work"
-                                         << "Working" << false;
-        QTest::newRow("stored name is compared untrimmed") << " Work"
-                                                           << "work" << false;
+        const auto row = [](const char* name, const char* existing, const char* saved, bool dup) {
+            QTest::newRow(name) << QString::fromUtf8(existing) << QString::fromUtf8(saved) << dup;
+        };
+        row("ASCII", "Work", "work", true);
+        row("German umlaut", "Ärger", "äRGER", true);
+        row("Greek with final sigma", "ΣΊΣΥΦΟΣ", "σίσυφος", true);
+        row("Cyrillic", "Работа", "  РАБОТА\n", true);
+        row("ideographic and no-break spaces trimmed", "Code", "\u3000Code\u00A0\u2028", true);
+        row("different names", "Work", "Working", false);
+        row("stored name is compared untrimmed", " Work", "work", false);
     }
     void namesAreTrimmedAndCompareWithoutCase() {
         QFETCH(QString, existing);
@@ -143,21 +139,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("active");
         QTest::addColumn<QString>("deleted");
         QTest::addColumn<QString>("expectedActive");
-        QTest::newRow("active last goes to previous") << "c"
-                                                      << "c"
-                                                      << "b";
-        QTest::newRow("active first goes to next") << "a"
-                                                   << "a"
-                                                   << "b";
-        QTest::newRow("active middle goes to next") << "b"
-                                                    << "b"
-                                                    << "c";
-        QTest::newRow("inactive keeps active") << "a"
-                                               << "c"
-                                               << "a";
-        QTest::newRow("stale active stays") << "gone"
-                                            << "b"
-                                            << "gone";
+        const auto row = [](const char* name, QString active, QString deleted, QString expected) {
+            QTest::newRow(name) << active << deleted << expected;
+        };
+        row("active last goes to previous", "c", "c", "b");
+        row("active first goes to next", "a", "a", "b");
+        row("active middle goes to next", "b", "b", "c");
+        row("inactive keeps active", "a", "c", "a");
+        row("stale active stays", "gone", "b", "gone");
     }
     void deleteNeighbourRule() {
         QFETCH(QString, active);
@@ -187,29 +176,41 @@ private Q_SLOTS:
         QCOMPARE(activeId(selected), QStringLiteral("a"));
     }
 
-    void cycleAndSelectorModel() {
-        const QStringList ids{"a", "b", "c"};
-        QCOMPARE(LayoutCycle::wrappedId("c", ids, 1), std::optional<QString>("a"));
-        QCOMPARE(LayoutCycle::wrappedId("a", ids, -1), std::optional<QString>("c"));
-        QCOMPARE(LayoutCycle::wrappedId("x", ids, 1), std::optional<QString>("a"));
-        QCOMPARE(LayoutCycle::wrappedId("x", ids, -1), std::optional<QString>("c"));
-        QCOMPARE(LayoutCycle::wrappedId("a", ids, -7), std::optional<QString>("c"));
-        QVERIFY(!LayoutCycle::nextId("a", {"a"}));
-        QVERIFY(!LayoutCycle::wrappedId("a", {}, 1));
+    void cycling_data() {
+        using Id = std::optional<QString>;
+        QTest::addColumn<Id>("actual");
+        QTest::addColumn<Id>("expected");
+        const QStringList abc{"a", "b", "c"};
+        QTest::newRow("forward wraps") << LayoutCycle::nextId("c", abc) << Id("a");
+        QTest::newRow("backward wraps") << LayoutCycle::previousId("a", abc) << Id("c");
+        QTest::newRow("a large step wraps") << LayoutCycle::wrappedId("a", abc, -7) << Id("c");
+        QTest::newRow("unknown, forward: first") << LayoutCycle::nextId("x", abc) << Id("a");
+        QTest::newRow("unknown, backward: last") << LayoutCycle::previousId("x", abc) << Id("c");
+        QTest::newRow("one layout: no next") << LayoutCycle::nextId("a", {"a"}) << Id();
+        QTest::newRow("one layout: no previous") << LayoutCycle::previousId("a", {"a"}) << Id();
+        QTest::newRow("no layouts") << LayoutCycle::wrappedId("a", {}, 1) << Id();
+    }
+    void cycling() {
+        QFETCH(std::optional<QString>, actual);
+        QFETCH(std::optional<QString>, expected);
+        QCOMPARE(actual, expected);
+    }
 
+    void headsUpName() {
         QCOMPARE(LayoutCycleHUDPolicy::nameToPresent(layout("a", "   ")),
                  std::optional<QString>("Untitled"));
         QCOMPARE(LayoutCycleHUDPolicy::nameToPresent(layout("a", " Home ")),
                  std::optional<QString>(" Home "));
         QVERIFY(!LayoutCycleHUDPolicy::nameToPresent(std::nullopt));
+    }
 
+    void selectorRowsAndFocus() {
         const auto fallback =
             LayoutSelectorAssembler::itemsForDisplay({}, layout("f", "F"), QStringLiteral("f"));
         QCOMPARE(fallback, (std::vector<LayoutSelectorItem>{{"f", "F", true}}));
         const auto items = LayoutSelectorAssembler::items({layout("a", "A"), layout("a", "A2")},
                                                           QStringLiteral("a"));
         QVERIFY(items[0].isActive && items[1].isActive);
-
         QCOMPARE(LayoutSelectorFocus::initialIndex({false, true, true}), 1);
         QCOMPARE(LayoutSelectorFocus::initialIndex({false, false}), 0);
         QCOMPARE(LayoutSelectorFocus::previousIndex(0, 4), 3);

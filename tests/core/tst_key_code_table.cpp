@@ -27,18 +27,11 @@ private Q_SLOTS:
         }
     }
 
-    // Spot checks against the kernel's KEY_* values and the macOS kVK_* values.
+    // Against the kernel's KEY_* values and the macOS kVK_* values, for keys that type no text
+    // (the X11 keyboard test checks the others by the names the server gives them).
     void knownKeys_data() {
         QTest::addColumn<quint32>("mac");
         QTest::addColumn<quint32>("evdev");
-        QTest::newRow("A") << 0x00u << 30u;
-        QTest::newRow("E") << 0x0Eu << 18u;
-        QTest::newRow("Z") << 0x06u << 44u;
-        QTest::newRow("1") << 0x12u << 2u;
-        QTest::newRow("5") << 0x17u << 6u;
-        QTest::newRow("6") << 0x16u << 7u;
-        QTest::newRow("0") << 0x1Du << 11u;
-        QTest::newRow("grave") << 0x32u << 41u;
         QTest::newRow("Return") << 0x24u << 28u;
         QTest::newRow("Tab") << 0x30u << 15u;
         QTest::newRow("Space") << 0x31u << 57u;
@@ -69,13 +62,10 @@ private Q_SLOTS:
     }
 
     void coversEveryKeyAHotKeyCanUse() {
-        // 26 letters, 10 digits, 11 ANSI punctuation keys, F1-F20, 4 arrows, 17 keypad keys and
-        // Return, Tab, Space, Delete, Escape.
-        const std::uint32_t letters[] = {0x00, 0x0B, 0x08, 0x02, 0x0E, 0x03, 0x05, 0x04, 0x22,
-                                         0x26, 0x28, 0x25, 0x2E, 0x2D, 0x1F, 0x23, 0x0C, 0x0F,
-                                         0x01, 0x11, 0x20, 0x09, 0x0D, 0x07, 0x10, 0x06};
-        const std::uint32_t others[] = {
-            0x12, 0x13, 0x14, 0x15, 0x17, 0x16, 0x1A, 0x1C, 0x19, 0x1D,             // digits
+        const std::uint32_t keys[] = {
+            0x00, 0x0B, 0x08, 0x02, 0x0E, 0x03, 0x05, 0x04, 0x22, 0x26, 0x28, 0x25, 0x2E, // A-M
+            0x2D, 0x1F, 0x23, 0x0C, 0x0F, 0x01, 0x11, 0x20, 0x09, 0x0D, 0x07, 0x10, 0x06, // N-Z
+            0x12, 0x13, 0x14, 0x15, 0x17, 0x16, 0x1A, 0x1C, 0x19, 0x1D,                   // digits
             0x1B, 0x18, 0x21, 0x1E, 0x29, 0x27, 0x32, 0x2A, 0x2B, 0x2F, 0x2C,       // punctuation
             0x7A, 0x78, 0x63, 0x76, 0x60, 0x61, 0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F, // F1-F12
             0x69, 0x6B, 0x71, 0x6A, 0x40, 0x4F, 0x50, 0x5A,                         // F13-F20
@@ -83,16 +73,7 @@ private Q_SLOTS:
             0x52, 0x53, 0x54, 0x55, 0x56, 0x57, 0x58, 0x59, 0x5B, 0x5C,             // keypad digits
             0x41, 0x43, 0x45, 0x4E, 0x4B, 0x4C, 0x51,                               // keypad others
             0x24, 0x30, 0x31, 0x33, 0x35};
-        std::set<std::uint32_t> evdevSeen;
-        for (const auto code : letters) {
-            const auto evdev = KeyCodeTable::evdevFromMac(code);
-            QVERIFY2(evdev, qPrintable(QString::number(code)));
-            // The kernel's letter keys all lie in 16..50.
-            QVERIFY(*evdev >= 16 && *evdev <= 50);
-            evdevSeen.insert(*evdev);
-        }
-        QCOMPARE(evdevSeen.size(), std::size_t{26});
-        for (const auto code : others) {
+        for (const auto code : keys) {
             QVERIFY2(KeyCodeTable::evdevFromMac(code), qPrintable(QString::number(code)));
         }
     }
@@ -106,11 +87,13 @@ private Q_SLOTS:
     }
 
     void modifierKeys() {
-        QVERIFY(KeyCodeTable::isModifierKey(0x37));
-        QVERIFY(KeyCodeTable::isModifierKey(0x39)); // Caps Lock
-        QVERIFY(KeyCodeTable::isModifierKey(0x3D));
+        for (const std::uint32_t code :
+             {0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D, 0x3E, 0x3F}) {
+            QVERIFY2(KeyCodeTable::isModifierKey(code), qPrintable(QString::number(code)));
+        }
         QVERIFY(!KeyCodeTable::isModifierKey(0x33));
         QVERIFY(!KeyCodeTable::isModifierKey(0x00));
+        QVERIFY(!KeyCodeTable::isModifierKey(0x40)); // F17, next to Function
     }
 };
 

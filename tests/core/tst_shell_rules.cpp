@@ -73,34 +73,28 @@ private Q_SLOTS:
     }
 
     void hotkeyTexts_data() {
-        QTest::addColumn<bool>("hasHotkey");
-        QTest::addColumn<uint>("keyCode");
-        QTest::addColumn<uint>("modifiers");
+        using Hotkey = std::optional<HotkeyDefinition>;
+        QTest::addColumn<Hotkey>("hotkey");
         QTest::addColumn<QString>("text");
-        QTest::newRow("not set") << false << 0u << 0u << "Not set";
-        QTest::newRow("command shift E") << true << 14u << 768u << QString::fromUtf8("⌘ + ⇧ + E");
-        QTest::newRow("fixed order") << true << 0u << (4096u | 512u | 2048u | 256u)
-                                     << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
-        QTest::newRow("space alone") << true << 49u << 0u << "Space";
-        QTest::newRow("return") << true << 36u << 256u << QString::fromUtf8("⌘ + ↩");
-        QTest::newRow("arrows") << true << 126u << 0u << QString::fromUtf8("↑");
-        QTest::newRow("escape") << true << 53u << 0u << QString::fromUtf8("⎋");
-        QTest::newRow("no character: key number") << true << 122u << 0u << "Key 122";
-        QTest::newRow("upper-cased by the layout") << true << 27u << 0u << QString::fromUtf8("SS");
-        QTest::newRow("beyond 16 bits") << true << 70000u << 0u << "Key 70000";
+        QTest::newRow("not set") << Hotkey() << "Not set";
+        QTest::newRow("command shift E") << Hotkey({14, 768}) << QString::fromUtf8("⌘ + ⇧ + E");
+        QTest::newRow("fixed order")
+            << Hotkey({0, 4096 | 512 | 2048 | 256}) << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
+        QTest::newRow("space alone") << Hotkey({49, 0}) << "Space";
+        QTest::newRow("return") << Hotkey({36, 256}) << QString::fromUtf8("⌘ + ↩");
+        QTest::newRow("arrows") << Hotkey({126, 0}) << QString::fromUtf8("↑");
+        QTest::newRow("escape") << Hotkey({53, 0}) << QString::fromUtf8("⎋");
+        QTest::newRow("no character: key number") << Hotkey({122, 0}) << "Key 122";
+        QTest::newRow("upper-cased by the layout") << Hotkey({27, 0}) << QString::fromUtf8("SS");
+        QTest::newRow("beyond 16 bits") << Hotkey({70000, 0}) << "Key 70000";
     }
     void hotkeyTexts() {
-        QFETCH(bool, hasHotkey);
-        QFETCH(uint, keyCode);
-        QFETCH(uint, modifiers);
+        QFETCH(std::optional<HotkeyDefinition>, hotkey);
         QFETCH(QString, text);
         FakeLayoutProvider layouts;
         FakeTranslator translator;
         const KeyNameProvider names(layouts, translator);
-        const HotkeyFormatter formatter(names);
-        const auto hotkey =
-            hasHotkey ? std::optional(HotkeyDefinition{keyCode, modifiers}) : std::nullopt;
-        QCOMPARE(formatter.format(hotkey), text);
+        QCOMPARE(HotkeyFormatter(names).format(hotkey), text);
     }
 
     void keyNamesWithoutALayout() {
@@ -157,14 +151,7 @@ private Q_SLOTS:
         QCOMPARE(P::coachTitle(current).isEmpty(), current == PrivacyCoachStep::Ready);
     }
 
-    void coachTextsAndReset() {
-        namespace P = PrivacyPermissionPolicy;
-        QCOMPARE(P::coachButtonTitle(PrivacyCoachStep::ListenEvent),
-                 QStringLiteral("Open Input Monitoring"));
-        QVERIFY(P::coachMessage(PrivacyCoachStep::ListenEvent)
-                    .endsWith("Click + and choose Paneforge.app."));
-        QVERIFY(P::coachMessage(PrivacyCoachStep::Ready).isEmpty());
-
+    void tccResetOnlyForAStaleGrant() {
         RecordingRunner runner;
         TccResetService reset(runner, "app.test");
         QVERIFY(!reset.resetStaleGrantIfNeeded(PrivacyTccService::Accessibility, true));
@@ -175,26 +162,29 @@ private Q_SLOTS:
         QVERIFY(!reset.runReset(PrivacyTccService::Accessibility));
     }
 
-    void quickStart() {
-        QCOMPARE(QuickStartGuide::pages().size(), size_t(3));
-        QCOMPARE(QuickStartGuide::nextIndex(2), std::nullopt);
+    void quickStartNavigation() {
         QCOMPARE(QuickStartGuide::nextIndex(1), std::optional(2));
+        QCOMPARE(QuickStartGuide::nextIndex(2), std::nullopt);
+        QCOMPARE(QuickStartGuide::previousIndex(1), std::optional(0));
         QCOMPARE(QuickStartGuide::previousIndex(0), std::nullopt);
-        QVERIFY(QuickStartGuide::isLast(2));
+        QVERIFY(QuickStartGuide::isLast(2) && !QuickStartGuide::isLast(1));
         QVERIFY(!QuickStartGuide::isLast(5));
-        QVERIFY(!QuickStartGuide::isLast(1));
-        QCOMPARE(QuickStartGuide::page(1)->primaryActionTitle,
-                 std::optional<QString>("Open Zone Editor"));
-        QVERIFY(!QuickStartGuide::page(0)->primaryActionTitle &&
-                !QuickStartGuide::page(2)->primaryActionTitle);
-        QVERIFY(QuickStartGuide::page(2)->body.startsWith(QString::fromUtf8("Hold ⌘ and drag")));
-        QCOMPARE(rawValue(QuickStartPageId::CreateLayout), QStringLiteral("createLayout"));
+        // Shown by itself only to someone who has not completed it (never on a fresh setting).
         QVERIFY(QuickStartPolicy::shouldAutoPresent(false));
         QVERIFY(!QuickStartPolicy::shouldAutoPresent(true));
         QVERIFY(!QuickStartPolicy::shouldAutoPresent(std::nullopt));
     }
 
-    void updaterAndLoginItem_data() {
+    void loginItemFollowsTheSystem() {
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, false),
+                 (LaunchAtLoginSyncResult{true, false}));
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(false, true),
+                 (LaunchAtLoginSyncResult{true, true}));
+        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, true),
+                 (LaunchAtLoginSyncResult{false, true}));
+    }
+
+    void updaterStartsOnlyFromABundle_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("starts");
         QTest::newRow("bundle") << "/Applications/Paneforge.app" << true;
@@ -204,15 +194,10 @@ private Q_SLOTS:
         QTest::newRow("other extension") << "/tmp/Paneforge.application" << false;
         QTest::newRow("hidden file named app") << "/tmp/.app" << false;
     }
-    void updaterAndLoginItem() {
+    void updaterStartsOnlyFromABundle() {
         QFETCH(QString, path);
         QFETCH(bool, starts);
         QCOMPARE(UpdaterLaunchPolicy::shouldStartUpdater(path), starts);
-        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, false),
-                 (LaunchAtLoginSyncResult{true, false}));
-        QCOMPARE(LaunchAtLoginSyncHelper::computeSync(true, true),
-                 (LaunchAtLoginSyncResult{false, true}));
-        QCOMPARE(UpdateMenuCopy::checkForUpdates, QString::fromUtf8("Check for Updates…"));
     }
 };
 

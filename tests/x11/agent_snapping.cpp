@@ -358,6 +358,10 @@ int main(int argc, char** argv) {
         }
         if (kTwoMonitors) {
             arguments << QStringLiteral("eachMonitorSnapsToItsOwnLayout");
+        } else if (kComposited) {
+            // Only the overlay's window and the tray differ from the plain desk: one snap shows
+            // both.
+            arguments << QStringLiteral("singleSnapPressedMidDrag");
         } else {
             arguments << QStringLiteral("singleSnapPressedMidDrag")
                       << QStringLiteral("multiSnapTakesTheBoundingBox")

@@ -2,11 +2,10 @@
 
 #include "core/input/hotkey_formatter.h"
 #include "platform/x11/x11_desktop_space.h"
-#include "platform/x11/x11_modifier_bits.h"
+#include "platform/x11/x11_modifier_tracker.h"
 
 #include <QSocketNotifier>
 #include <cstdlib>
-#include <set>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -22,6 +21,13 @@ template <typename T> XcbReply<T> adopt(T* reply) {
     return XcbReply<T>(reply, &std::free);
 }
 
+// The X modifier state now: the modifiers held before a tap starts.
+std::uint16_t modifierStateNow(xcb_connection_t* connection, xcb_window_t root) {
+    const auto reply =
+        adopt(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+    return reply ? static_cast<std::uint16_t>(reply->mask & 0xff) : 0;
+}
+
 // Everything one tap owns: its connection, its socket notifier and what it remembers between
 // events. Shared, so that a handler that drops the tap while it runs does not pull the reader out
 // from under the loop that called it; the loop stops once the tap is closed.
@@ -35,13 +41,7 @@ public:
         , mask_(mask)
         , handler_(std::move(handler))
         , logger_(std::move(logger))
-        , modifierBits_(X11ModifierBits::read(connection)) {
-        // Start from the modifiers held now, so that only real changes are reported.
-        if (const auto pointer = queryPointer()) {
-            heldBeforeStart_ = static_cast<std::uint8_t>(pointer->mask & 0xff);
-        }
-        modifiers_ = currentModifiers();
-    }
+        , modifiers_(X11ModifierBits::read(connection), modifierStateNow(connection, root)) {}
 
     ~RawEventReader() {
         notifier_.reset();
@@ -106,7 +106,7 @@ public:
             if (responseType == XCB_MAPPING_NOTIFY) {
                 // Another keyboard, xmodmap or a new layout: modifiers may sit elsewhere now. (The
                 // keys already queued are read with the mapping as it is now.)
-                modifierBits_ = X11ModifierBits::read(connection_);
+                modifiers_.setModifierBits(X11ModifierBits::read(connection_));
                 continue;
             }
             if (responseType != XCB_GE_GENERIC) {
@@ -140,7 +140,10 @@ public:
             case XCB_INPUT_RAW_KEY_PRESS:
             case XCB_INPUT_RAW_KEY_RELEASE:
                 flushDrag(pendingDrag);
-                keyChanged(rawEvent->detail, generic->event_type == XCB_INPUT_RAW_KEY_PRESS);
+                if (modifiers_.keyChanged(rawEvent->detail,
+                                          generic->event_type == XCB_INPUT_RAW_KEY_PRESS)) {
+                    report(InputEvent::FlagsChanged);
+                }
                 break;
             default:
                 break;
@@ -184,37 +187,6 @@ private:
         }
     }
 
-    // The modifiers follow the modifier keys in the event stream itself: a pointer query would
-    // tell the state after the whole batch, and miss a modifier pressed and released within it.
-    void keyChanged(std::uint32_t keycode, bool pressed) {
-        if (keycode > 255) {
-            return;
-        }
-        const auto key = static_cast<std::uint8_t>(keycode);
-        if (pressed) {
-            heldKeys_.insert(key);
-        } else {
-            heldKeys_.erase(key);
-            // A key held since before the tap started is up now.
-            heldBeforeStart_ =
-                static_cast<std::uint8_t>(heldBeforeStart_ & ~modifierBits_.keyBits[key]);
-        }
-        const std::uint32_t modifiers = currentModifiers();
-        if (modifiers == modifiers_) {
-            return;
-        }
-        modifiers_ = modifiers;
-        report(InputEvent::FlagsChanged);
-    }
-
-    std::uint32_t currentModifiers() const {
-        std::uint16_t state = heldBeforeStart_;
-        for (const std::uint8_t key : heldKeys_) {
-            state |= modifierBits_.keyBits[key];
-        }
-        return modifierBits_.toModifierMask(state);
-    }
-
     void deliver(InputEvent::Type type, const Pointer& pointer) {
         const bool wanted = (mask_ & (std::uint64_t{1} << type)) != 0;
         if (!enabled_ || closed_ || !wanted || !handler_) {
@@ -222,7 +194,7 @@ private:
         }
         const InputEvent event{type,
                                X11DesktopSpace::toDesktop(QPointF(pointer.rootX, pointer.rootY)),
-                               ModifierMapper::toEventFlags(modifiers_)};
+                               ModifierMapper::toEventFlags(modifiers_.modifiers())};
         handler_(event);
     }
 
@@ -232,13 +204,10 @@ private:
     std::uint64_t mask_;
     InputEventHandler handler_;
     Logger logger_;
-    X11ModifierBits modifierBits_;
+    // Follows the modifier keys in the event stream itself: a pointer query would tell the state
+    // after the whole batch.
+    X11ModifierTracker modifiers_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    // Key codes seen pressed and not released yet, and the X modifiers of keys that were held
-    // before the tap started (their presses were never seen).
-    std::set<std::uint8_t> heldKeys_;
-    std::uint8_t heldBeforeStart_ = 0;
-    std::uint32_t modifiers_ = 0; // the stored mask after the last event
     bool leftButtonDown_ = false;
     bool enabled_ = false;
     bool closed_ = false;

@@ -1,0 +1,112 @@
+#pragma once
+
+// In-memory stand-ins for the platform's input services: the event tap, global hot keys and the
+// key-down monitor of Paneforge's own windows.
+
+#include "app/input/event_tap_manager.h"
+#include "app/input/hotkey_manager.h"
+#include "app/ports/key_down_monitor_api.h"
+
+#include <QStringList>
+#include <map>
+#include <set>
+
+namespace fakes {
+
+using namespace paneforge;
+
+// Taps are refused until `granted`; `liveTaps` counts the ones not yet dropped.
+class InputTaps final : public EventTapApi {
+public:
+    bool granted = false;
+    int requests = 0;
+    int creations = 0;
+    int liveTaps = 0;
+    std::uint64_t lastMask = 0;
+    QStringList lines;
+
+    bool preflightListenEventAccess() override { return granted; }
+    bool requestListenEventAccess() override {
+        ++requests;
+        return granted;
+    }
+    std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask, InputEventHandler) override {
+        ++creations;
+        lastMask = mask;
+        return granted ? std::make_unique<Tap>(liveTaps) : nullptr;
+    }
+    bool startDelivery(EventTapHandle&) override { return true; }
+    void stopDelivery(EventTapHandle&) override {}
+    void enableTap(EventTapHandle&) override {}
+    void systemLog(const QString& message) override { lines << message; }
+
+private:
+    struct Tap final : EventTapHandle {
+        explicit Tap(int& count)
+            : live(count) {
+            ++live;
+        }
+        ~Tap() override { --live; }
+        int& live;
+    };
+};
+
+// Registrations by handle; keys in `refusedKeys` are refused as the platform refuses a
+// combination another program holds.
+class Hotkeys final : public HotkeyApi {
+public:
+    std::function<void(std::uint32_t)> pressed;
+    std::set<std::uint32_t> refusedKeys;
+    std::map<std::uint64_t, std::uint32_t> registered; // handle -> id
+    std::uint64_t nextHandle = 100;
+    std::uint32_t lastSignature = 0;
+    bool handlerRemoved = false;
+
+    void installHandler(std::function<void(std::uint32_t)> onPressed) override {
+        pressed = std::move(onPressed);
+    }
+    void removeHandler() override { handlerRemoved = true; }
+    Registration registerHotKey(std::uint32_t keyCode, std::uint32_t, std::uint32_t signature,
+                                std::uint32_t id) override {
+        lastSignature = signature;
+        if (refusedKeys.count(keyCode)) {
+            return {Result::Taken, std::nullopt, QStringLiteral("-9878")};
+        }
+        registered[nextHandle] = id;
+        return {Result::Registered, nextHandle++, {}};
+    }
+    void unregisterHotKey(std::uint64_t handle) override { registered.erase(handle); }
+};
+
+// One monitor at a time; press() plays a key press in one of Paneforge's windows.
+class KeyDownMonitor final : public KeyDownMonitorApi {
+public:
+    int installed = 0;
+    std::shared_ptr<Handler> handler;
+
+    std::unique_ptr<Monitor> addLocalMonitor(Handler h) override {
+        auto monitor = std::make_unique<Installed>(*this);
+        handler = std::make_shared<Handler>(std::move(h));
+        return monitor;
+    }
+    // Whether the press was swallowed; with no monitor it goes on to the window.
+    bool press(std::uint32_t keyCode, std::uint32_t modifiers) {
+        const auto keep = handler; // a monitor may be removed while it handles the press
+        return keep && (*keep)(KeyPress{keyCode, modifiers});
+    }
+
+private:
+    struct Installed final : Monitor {
+        explicit Installed(KeyDownMonitor& api)
+            : api(api) {
+            ++api.installed;
+        }
+        ~Installed() override {
+            --api.installed;
+            api.handler.reset();
+        }
+        KeyDownMonitor& api;
+    };
+};
+
+} // namespace fakes
