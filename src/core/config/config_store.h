@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/config/atomic_file_writer.h"
 #include "core/config/paneforge_config.h"
 #include "core/diagnostics/logger_factory.h"
 
@@ -41,6 +42,10 @@ class ConfigStore {
 public:
     ConfigStore(Logger logger, ConfigDirectoryProvider directoryProvider);
 
+    // A configuration is a few kilobytes (50 displays with 40 layouts each stay under 600 kB):
+    // anything larger is refused, like an oversized backup.
+    static constexpr qint64 maxFileSizeBytes = 16 * 1024 * 1024;
+
     // The default configuration when there is no file yet; throws ConfigStoreError when the file
     // cannot be read or decoded (the file is then left exactly as it is).
     PaneforgeConfig loadConfig() const;
@@ -55,7 +60,8 @@ public:
     static QByteArray encodeConfig(const PaneforgeConfig& config);
 
     // Decodes a configuration file's bytes; ConfigStoreError (kind Decode) names the problem and,
-    // for malformed JSON, its line and column.
+    // for malformed JSON, its line and column. Oversized and absurdly nested data is refused
+    // before it is parsed.
     static PaneforgeConfig decodeConfig(const QByteArray& data);
 
     static QString fileName() { return QStringLiteral("config.json"); }
@@ -64,9 +70,5 @@ private:
     Logger logger_;
     ConfigDirectoryProvider directoryProvider_;
 };
-
-// Writes bytes to a path atomically (temporary file beside it, fsync, rename). Returns an empty
-// string on success, else the reason.
-QString writeFileAtomically(const QString& path, const QByteArray& bytes);
 
 } // namespace paneforge
