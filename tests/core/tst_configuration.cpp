@@ -223,6 +223,20 @@ private Q_SLOTS:
         QCOMPARE(first.readAll(), bytes);
         first.close();
 
+        // A hand edit of the same size within the same second is seen at the next load: the
+        // store compares the bytes themselves, not the file's size or time.
+        const QDateTime modified = QFileInfo(path).lastModified();
+        QByteArray edited = bytes;
+        edited.replace("12.5", "13.5");
+        QFile hand(path);
+        QVERIFY(hand.open(QIODevice::ReadWrite));
+        QCOMPARE(hand.write(edited), bytes.size());
+        QVERIFY(hand.flush());
+        QVERIFY(hand.setFileTime(modified, QFileDevice::FileModificationTime));
+        hand.close();
+        QCOMPARE(QFileInfo(path).lastModified(), modified);
+        QCOMPARE(store.loadConfig().cellMarginPoints(), 13.5);
+
         QFile corrupt(path);
         QVERIFY(corrupt.open(QIODevice::WriteOnly | QIODevice::Truncate));
         corrupt.write("{}");

@@ -72,11 +72,21 @@ PaneforgeConfig ConfigStore::loadConfig() const {
         throw ConfigStoreError(ConfigStoreError::Kind::Read, message);
     }
     try {
-        return decodeConfig(file.bytes);
+        return decodeOrReuse(file.bytes);
     } catch (const ConfigStoreError& error) {
         logger_.error(QStringLiteral("Failed to decode config: %1").arg(error.message()));
         throw;
     }
+}
+
+PaneforgeConfig ConfigStore::decodeOrReuse(const QByteArray& bytes) const {
+    const std::lock_guard lock(decodedMutex_);
+    if (decoded_ && bytes == decodedBytes_) {
+        return *decoded_;
+    }
+    decoded_ = decodeConfig(bytes);
+    decodedBytes_ = bytes;
+    return *decoded_;
 }
 
 PaneforgeConfig ConfigStore::decodeConfig(const QByteArray& data) {

@@ -7,6 +7,8 @@
 #include <QByteArray>
 #include <QString>
 #include <functional>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace paneforge {
@@ -36,8 +38,9 @@ using ConfigDirectoryProvider = std::function<QString()>;
 
 ConfigDirectoryProvider defaultConfigDirectoryProvider();
 
-// Reads and writes the configuration file. No copy is kept: every load reads the file afresh, so
-// a change written by any component, or by hand, is seen on the next load.
+// Reads and writes the configuration file. Every load reads the file afresh, so a change written
+// by any component, or by hand, is seen on the next load; only the decoding is skipped when the
+// bytes are exactly those decoded last time (no invalidation to get wrong: the bytes decide).
 class ConfigStore {
 public:
     ConfigStore(Logger logger, ConfigDirectoryProvider directoryProvider);
@@ -67,8 +70,14 @@ public:
     static QString fileName() { return QStringLiteral("config.json"); }
 
 private:
+    PaneforgeConfig decodeOrReuse(const QByteArray& bytes) const;
+
     Logger logger_;
     ConfigDirectoryProvider directoryProvider_;
+    // The last bytes decoded and what they decoded to.
+    mutable std::mutex decodedMutex_;
+    mutable QByteArray decodedBytes_;
+    mutable std::optional<PaneforgeConfig> decoded_;
 };
 
 } // namespace paneforge
