@@ -82,6 +82,9 @@ private Q_SLOTS:
         QTest::newRow("solidus escaped") << QByteArray(R"(["a/b"])") << "[\n  \"a\\/b\"\n]";
         QTest::newRow("control characters")
             << QByteArray("[\"\\t\\u0001\\\"\\\\\"]") << "[\n  \"\\t\\u0001\\\"\\\\\"\n]";
+        QTest::newRow("unpaired surrogates escaped, pairs kept")
+            << QByteArray(R"(["\udc00x\ud83d", "\ud83d\ude00"])")
+            << QString::fromUtf8("[\n  \"\\udc00x\\ud83d\",\n  \"😀\"\n]");
         QTest::newRow("numbers") << QByteArray("[8.0, 0.5, 0.010000000000000009, -3, 1e-7]")
                                  << "[\n  8,\n  0.5,\n  0.010000000000000009,\n  -3,\n  1e-07\n]";
         QTest::newRow("code-point key order")

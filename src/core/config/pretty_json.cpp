@@ -134,7 +134,12 @@ void appendJsonString(QString& out, const QString& text) {
     };
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t c = text.at(i).unicode();
-        if (c >= 0x20 && c != u'"' && c != u'\\' && c != u'/') {
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() &&
+            QChar::isLowSurrogate(text.at(i + 1).unicode())) {
+            ++i; // a character beyond the Basic Multilingual Plane, written as it is
+            continue;
+        }
+        if (c >= 0x20 && c != u'"' && c != u'\\' && c != u'/' && !QChar::isSurrogate(c)) {
             continue;
         }
         flush(i);
@@ -164,6 +169,8 @@ void appendJsonString(QString& out, const QString& text) {
             out.append(QLatin1String("\\t"));
             break;
         default:
+            // Control characters, and surrogates without their other half, which UTF-8 cannot
+            // carry: escaped, they read back as they were.
             out.append(QStringLiteral("\\u%1").arg(int(c), 4, 16, QLatin1Char('0')));
         }
     }
