@@ -16,6 +16,8 @@ debian_packages=(
   xvfb openbox xdotool x11-apps x11-utils x11-xserver-utils x11-xkb-utils xterm trayer xcompmgr
   # locale sources, from which the tests build a comma-decimal locale of their own
   locales
+  # the fuzz target (scripts/run-fuzz.sh): clang with libFuzzer
+  clang libclang-rt-dev
 )
 
 install_debian() {
