@@ -49,15 +49,16 @@ QList<Argument> fromText(const QStringList& args) {
 }
 
 // Reads a file named on the command line, or the user's configuration: only a regular file, and
-// no more than `maxBytes`. Prints why not and returns none when that fails.
-std::optional<QByteArray> readInput(const Argument& file, qint64 maxBytes, QTextStream& err) {
-    const auto result = RegularFileReader::read(file.native, maxBytes);
-    if (result.status != RegularFileReader::Result::Status::Read) {
+// no more than `maxBytes`. Prints why it could not be read, unless it is missing and that is fine.
+RegularFileReader::Result readInput(const Argument& file, qint64 maxBytes, QTextStream& err,
+                                    bool missingIsFine = false) {
+    auto result = RegularFileReader::read(file.native, maxBytes);
+    const bool missing = result.status == RegularFileReader::Result::Status::Missing;
+    if (result.status != RegularFileReader::Result::Status::Read && !(missing && missingIsFine)) {
         err << "paneforge: " << file.text << ": "
             << RegularFileReader::describeFailure(result, maxBytes) << "\n";
-        return std::nullopt;
     }
-    return result.bytes;
+    return result;
 }
 
 // Reads a configuration file given on the command line, or the user's own. A missing explicit
@@ -71,17 +72,16 @@ std::optional<PaneforgeConfig> readConfig(const QList<Argument>& rest, QTextStre
         err << "paneforge: " << error.message() << "\n";
         return std::nullopt;
     }
-    if (rest.isEmpty() && missingUserFileIsDefault &&
-        RegularFileReader::read(file.native, 0).status ==
-            RegularFileReader::Result::Status::Missing) {
+    const bool defaultsIfMissing = rest.isEmpty() && missingUserFileIsDefault;
+    const auto input = readInput(file, ConfigStore::maxFileSizeBytes, err, defaultsIfMissing);
+    if (defaultsIfMissing && input.status == RegularFileReader::Result::Status::Missing) {
         return PaneforgeConfig::makeDefault();
     }
-    const auto bytes = readInput(file, ConfigStore::maxFileSizeBytes, err);
-    if (!bytes) {
+    if (input.status != RegularFileReader::Result::Status::Read) {
         return std::nullopt;
     }
     try {
-        return ConfigStore::decodeConfig(*bytes);
+        return ConfigStore::decodeConfig(input.bytes);
     } catch (const ConfigStoreError& error) {
         err << "paneforge: " << file.text << ": " << error.message() << "\n";
         return std::nullopt;
@@ -186,12 +186,12 @@ int runBackup(const QList<Argument>& args, QTextStream& out, QTextStream& err,
         return 0;
     }
 
-    const auto bytes = readInput(files.front(), SettingsBackupFormat::maxFileSizeBytes, err);
-    if (!bytes) {
+    const auto input = readInput(files.front(), SettingsBackupFormat::maxFileSizeBytes, err);
+    if (input.status != RegularFileReader::Result::Status::Read) {
         return 1;
     }
     try {
-        const auto document = SettingsBackupRestore::document(*bytes);
+        const auto document = SettingsBackupRestore::document(input.bytes);
         const auto preview = SettingsBackupPreviewBuilder::preview(document);
         out << SettingsBackupPreviewBuilder::informativeText(
                    preview, SettingsBackupPreviewBuilder::defaultDateFormatter())
