@@ -14,6 +14,10 @@ debian_packages=(
   # end-to-end tests: a headless X server, a window manager, a tray host, a compositor, clients
   # and keyboard tools (xdotool, xmodmap, setxkbmap)
   xvfb openbox xdotool x11-apps x11-utils x11-xserver-utils x11-xkb-utils xterm trayer xcompmgr
+  # locale sources, from which the tests build a comma-decimal locale of their own
+  locales
+  # the fuzz target (scripts/run-fuzz.sh): clang with libFuzzer
+  clang libclang-rt-dev
 )
 
 install_debian() {

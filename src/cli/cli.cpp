@@ -1,6 +1,7 @@
 #include "cli/cli.h"
 
 #include "core/backup/settings_backup_preview.h"
+#include "core/config/regular_file_reader.h"
 #include "core/diagnostics/logger_factory.h"
 
 #include <QDateTime>
@@ -32,47 +33,68 @@ int usageError(QTextStream& err, const QString& problem) {
     return 2;
 }
 
+// A command-line argument as text for matching and messages, and as the bytes the system gave,
+// which name a file exactly even when they are not valid in the locale's encoding.
+struct Argument {
+    QString text;
+    QByteArray native;
+};
+
+QList<Argument> fromText(const QStringList& args) {
+    QList<Argument> arguments;
+    for (const QString& arg : args) {
+        arguments.append({arg, QFile::encodeName(arg)});
+    }
+    return arguments;
+}
+
+// Reads a file named on the command line, or the user's configuration: only a regular file, and
+// no more than `maxBytes`. Prints why it could not be read, unless it is missing and that is fine.
+RegularFileReader::Result readInput(const Argument& file, qint64 maxBytes, QTextStream& err,
+                                    bool missingIsFine = false) {
+    auto result = RegularFileReader::read(file.native, maxBytes);
+    const bool missing = result.status == RegularFileReader::Result::Status::Missing;
+    if (result.status != RegularFileReader::Result::Status::Read && !(missing && missingIsFine)) {
+        err << "paneforge: " << file.text << ": "
+            << RegularFileReader::describeFailure(result, maxBytes) << "\n";
+    }
+    return result;
+}
+
 // Reads a configuration file given on the command line, or the user's own. A missing explicit
 // file is an error; a missing user file means the defaults.
-std::optional<PaneforgeConfig> readConfig(const QStringList& rest, QTextStream& err,
+std::optional<PaneforgeConfig> readConfig(const QList<Argument>& rest, QTextStream& err,
                                           const ConfigStore& store, bool missingUserFileIsDefault) {
-    QString path;
+    Argument file;
     try {
-        path = rest.isEmpty() ? store.getConfigPath() : rest.front();
+        file = rest.isEmpty() ? fromText({store.getConfigPath()}).front() : rest.front();
     } catch (const ConfigStoreError& error) {
         err << "paneforge: " << error.message() << "\n";
         return std::nullopt;
     }
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        if (rest.isEmpty() && missingUserFileIsDefault) {
-            return PaneforgeConfig::makeDefault();
-        }
-        err << "paneforge: " << path << ": no such file\n";
-        return std::nullopt;
+    const bool defaultsIfMissing = rest.isEmpty() && missingUserFileIsDefault;
+    const auto input = readInput(file, ConfigStore::maxFileSizeBytes, err, defaultsIfMissing);
+    if (defaultsIfMissing && input.status == RegularFileReader::Result::Status::Missing) {
+        return PaneforgeConfig::makeDefault();
     }
-    QFile file(path);
-    if (info.isDir() || !file.open(QIODevice::ReadOnly)) {
-        err << "paneforge: " << path << ": "
-            << (info.isDir() ? QStringLiteral("is a folder, not a file") : file.errorString())
-            << "\n";
+    if (input.status != RegularFileReader::Result::Status::Read) {
         return std::nullopt;
     }
     try {
-        return ConfigStore::decodeConfig(file.readAll());
+        return ConfigStore::decodeConfig(input.bytes);
     } catch (const ConfigStoreError& error) {
-        err << "paneforge: " << path << ": " << error.message() << "\n";
+        err << "paneforge: " << file.text << ": " << error.message() << "\n";
         return std::nullopt;
     }
 }
 
-int runConfig(const QStringList& args, QTextStream& out, QTextStream& err,
+int runConfig(const QList<Argument>& args, QTextStream& out, QTextStream& err,
               const CliEnvironment& environment) {
     if (args.isEmpty()) {
         return usageError(err, QStringLiteral("config needs a command"));
     }
-    const QString command = args.front();
-    const QStringList rest = args.mid(1);
+    const QString command = args.front().text;
+    const QList<Argument> rest = args.mid(1);
     const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
                             environment.configDirectory);
     if (command == QLatin1String("path")) {
@@ -88,7 +110,8 @@ int runConfig(const QStringList& args, QTextStream& out, QTextStream& err,
         }
     }
     if (command == QLatin1String("check") || command == QLatin1String("print")) {
-        if (rest.size() > 1 || (!rest.isEmpty() && rest.front().startsWith(QLatin1Char('-')))) {
+        if (rest.size() > 1 ||
+            (!rest.isEmpty() && rest.front().text.startsWith(QLatin1Char('-')))) {
             return usageError(err, QStringLiteral("config %1 takes at most one FILE").arg(command));
         }
         const bool check = command == QLatin1String("check");
@@ -99,26 +122,34 @@ int runConfig(const QStringList& args, QTextStream& out, QTextStream& err,
         if (check) {
             out << "OK\n";
         } else {
-            out << QString::fromUtf8(ConfigStore::encodeConfig(*config)) << "\n";
+            // The file's own bytes; straight to the device when there is one, since a large
+            // configuration would otherwise be converted twice on its way out.
+            const QByteArray bytes = ConfigStore::encodeConfig(*config) + '\n';
+            if (QIODevice* device = out.device()) {
+                out.flush();
+                device->write(bytes);
+            } else {
+                out << QString::fromUtf8(bytes);
+            }
         }
         return 0;
     }
     return usageError(err, QStringLiteral("unknown config command “%1”").arg(command));
 }
 
-int runBackup(const QStringList& args, QTextStream& out, QTextStream& err,
+int runBackup(const QList<Argument>& args, QTextStream& out, QTextStream& err,
               const CliEnvironment& environment) {
     if (args.isEmpty()) {
         return usageError(err, QStringLiteral("backup needs a command"));
     }
-    const QString command = args.front();
-    QStringList files;
+    const QString command = args.front().text;
+    QList<Argument> files;
     bool force = false;
-    for (const QString& arg : args.mid(1)) {
-        if (arg == QLatin1String("--force") && command == QLatin1String("export")) {
+    for (const Argument& arg : args.mid(1)) {
+        if (arg.text == QLatin1String("--force") && command == QLatin1String("export")) {
             force = true;
-        } else if (arg.startsWith(QLatin1Char('-'))) {
-            return usageError(err, QStringLiteral("unknown option “%1”").arg(arg));
+        } else if (arg.text.startsWith(QLatin1Char('-'))) {
+            return usageError(err, QStringLiteral("unknown option “%1”").arg(arg.text));
         } else {
             files.append(arg);
         }
@@ -129,7 +160,7 @@ int runBackup(const QStringList& args, QTextStream& out, QTextStream& err,
     if (files.size() != 1) {
         return usageError(err, QStringLiteral("backup %1 takes one FILE").arg(command));
     }
-    const QString path = files.front();
+    const QString path = files.front().text;
 
     if (command == QLatin1String("export")) {
         if (QFileInfo::exists(path) && !force) {
@@ -155,25 +186,12 @@ int runBackup(const QStringList& args, QTextStream& out, QTextStream& err,
         return 0;
     }
 
-    const QFileInfo info(path);
-    QFile file(path);
-    if (!info.exists()) {
-        err << "paneforge: " << path << ": no such file\n";
-        return 1;
-    }
-    if (info.isDir() || !file.open(QIODevice::ReadOnly)) {
-        err << "paneforge: " << path << ": "
-            << (info.isDir() ? QStringLiteral("is a folder, not a file") : file.errorString())
-            << "\n";
-        return 1;
-    }
-    // Refuse oversized files before reading them: a backup is untrusted input.
-    if (info.size() > SettingsBackupFormat::maxFileSizeBytes) {
-        err << "paneforge: " << path << ": the file is too large to be a Paneforge backup\n";
+    const auto input = readInput(files.front(), SettingsBackupFormat::maxFileSizeBytes, err);
+    if (input.status != RegularFileReader::Result::Status::Read) {
         return 1;
     }
     try {
-        const auto document = SettingsBackupRestore::document(file.readAll());
+        const auto document = SettingsBackupRestore::document(input.bytes);
         const auto preview = SettingsBackupPreviewBuilder::preview(document);
         out << SettingsBackupPreviewBuilder::informativeText(
                    preview, SettingsBackupPreviewBuilder::defaultDateFormatter())
@@ -188,18 +206,12 @@ int runBackup(const QStringList& args, QTextStream& out, QTextStream& err,
     return 1;
 }
 
-} // namespace
-
-bool isCliInvocation(const QStringList& args) {
-    return !args.isEmpty();
-}
-
-int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
+int runCli(const QList<Argument>& args, QTextStream& out, QTextStream& err,
            const CliEnvironment& environment) {
     if (args.isEmpty()) {
         return usageError(err, QStringLiteral("no command given"));
     }
-    const QString first = args.front();
+    const QString first = args.front().text;
     const bool help = first == QLatin1String("--help") || first == QLatin1String("-h") ||
                       first == QLatin1String("help");
     const bool version = first == QLatin1String("--version");
@@ -224,6 +236,26 @@ int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
         return usageError(err, QStringLiteral("unknown option “%1”").arg(first));
     }
     return usageError(err, QStringLiteral("unknown command “%1”").arg(first));
+}
+
+} // namespace
+
+bool isCliInvocation(const QStringList& args) {
+    return !args.isEmpty();
+}
+
+int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
+           const CliEnvironment& environment) {
+    return runCli(fromText(args), out, err, environment);
+}
+
+int runCli(const QList<QByteArray>& nativeArgs, QTextStream& out, QTextStream& err,
+           const CliEnvironment& environment) {
+    QList<Argument> arguments;
+    for (const QByteArray& arg : nativeArgs) {
+        arguments.append({QFile::decodeName(arg), arg});
+    }
+    return runCli(arguments, out, err, environment);
 }
 
 } // namespace paneforge

@@ -18,6 +18,11 @@ struct CliEnvironment {
 int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
            const CliEnvironment& environment = {});
 
+// The same with the arguments as the system passed them (argv without the program name): file
+// names are used byte for byte, so a name that is not valid in the locale's encoding still opens.
+int runCli(const QList<QByteArray>& nativeArgs, QTextStream& out, QTextStream& err,
+           const CliEnvironment& environment = {});
+
 // Whether the arguments ask for a headless command rather than the agent.
 bool isCliInvocation(const QStringList& args);
 

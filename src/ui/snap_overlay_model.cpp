@@ -1,5 +1,6 @@
 #include "ui/snap_overlay_model.h"
 
+#include <QWidget>
 #include <utility>
 
 namespace paneforge {
@@ -16,9 +17,38 @@ QRectF desktopToView(const DesktopRect& rect, const QRectF& primaryScreenGeometr
     return desktopToGlobal(rect, primaryScreenGeometry).translated(-windowOrigin);
 }
 
-SnapOverlayModel::SnapOverlayModel(QList<QRectF> outlines, QList<QRectF> fills)
-    : outlines_(std::move(outlines))
-    , fills_(std::move(fills)) {}
+namespace {
+
+// The part of each rectangle inside `bounds`; rectangles that are not finite or have no part
+// inside are dropped.
+QList<QRectF> clipped(const QList<QRectF>& rects, const QRectF& bounds) {
+    QList<QRectF> result;
+    result.reserve(rects.size());
+    for (const QRectF& rect : rects) {
+        const QRectF r = rect.normalized();
+        if (!(qIsFinite(r.x()) && qIsFinite(r.y()) && qIsFinite(r.width()) &&
+              qIsFinite(r.height()))) {
+            continue;
+        }
+        const QRectF inside = r.intersected(bounds);
+        if (!inside.isEmpty()) {
+            result.append(inside);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+SnapOverlayModel::SnapOverlayModel(QList<QRectF> outlines, QList<QRectF> fills,
+                                   const QRectF& viewBounds)
+    : outlines_(
+          clipped(outlines, viewBounds.adjusted(-1, -1, 1, 1).intersected(largestViewBounds())))
+    , fills_(clipped(fills, viewBounds.intersected(largestViewBounds()))) {}
+
+QRectF SnapOverlayModel::largestViewBounds() {
+    return QRectF(-QWIDGETSIZE_MAX, -QWIDGETSIZE_MAX, 2.0 * QWIDGETSIZE_MAX, 2.0 * QWIDGETSIZE_MAX);
+}
 
 QColor SnapOverlayModel::outlineColor() {
     QColor color(Qt::white);

@@ -19,10 +19,19 @@ QRectF desktopToView(const DesktopRect& rect, const QRectF& primaryScreenGeometr
 
 // What the overlay draws, in view coordinates: every zone outline first, then the chosen zones
 // filled on top. The widget only paints what this says, so the rules are tested here.
+//
+// Zones come from margins stored as the user wrote them, so they can reach far beyond the view or
+// hold no number at all. Only their part inside the view matters and only that is kept (outlines
+// within a pixel more, so that a border beyond the view's edge stays out of sight); what is not
+// finite or has nothing inside is dropped. Pixel arithmetic on what remains cannot overflow.
 class SnapOverlayModel {
 public:
     SnapOverlayModel() = default;
-    SnapOverlayModel(QList<QRectF> outlines, QList<QRectF> fills);
+    SnapOverlayModel(QList<QRectF> outlines, QList<QRectF> fills,
+                     const QRectF& viewBounds = largestViewBounds());
+
+    // The largest area a view can have; what lies beyond it is never drawn.
+    static QRectF largestViewBounds();
 
     const QList<QRectF>& outlines() const { return outlines_; }
     const QList<QRectF>& fills() const { return fills_; }

@@ -58,7 +58,8 @@ void SnapOverlayWindow::update(const std::optional<GridDefinition>& grid,
     for (const DesktopRect& zone : selectionFrames) {
         fills.append(desktopToView(zone, primaryScreenGeometry_, origin));
     }
-    SnapOverlayModel model(std::move(outlines), std::move(fills));
+    SnapOverlayModel model(std::move(outlines), std::move(fills),
+                           QRectF(QPointF(0, 0), overlayView_->size()));
     if (shaped_) {
         const QRegion mask = model.mask();
         // An empty mask would mean no shape at all: a black window.

@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace paneforge;
 
@@ -81,6 +83,62 @@ private Q_SLOTS:
         if (code == 0) {
             QCOMPARE(run({"config", "print", file}, home.path()).out.toUtf8(), contents + "\n");
         }
+    }
+
+    // Whatever is at the path, the commands answer at once: only regular files are read, and a
+    // named pipe (which would block the reader for good) or a device (which never ends) is refused.
+    void inputsThatAreNotRegularFiles_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("reason");
+        const QString pipe = "PIPE";
+        QTest::newRow("config check, named pipe") << QStringList{"config", "check", pipe}
+                                                  << "PIPE: it is a named pipe, not a regular file";
+        QTest::newRow("config print, named pipe") << QStringList{"config", "print", pipe}
+                                                  << "PIPE: it is a named pipe, not a regular file";
+        QTest::newRow("backup check, named pipe") << QStringList{"backup", "check", pipe}
+                                                  << "PIPE: it is a named pipe, not a regular file";
+        QTest::newRow("backup check, device") << QStringList{"backup", "check", "/dev/zero"}
+                                              << "/dev/zero: it is a device, not a regular file";
+        QTest::newRow("config print, device") << QStringList{"config", "print", "/dev/zero"}
+                                              << "/dev/zero: it is a device, not a regular file";
+        QTest::newRow("config check, folder")
+            << QStringList{"config", "check", "/"} << "/: it is a folder, not a regular file";
+    }
+    void inputsThatAreNotRegularFiles() {
+        QFETCH(QStringList, args);
+        QFETCH(QString, reason);
+        QTemporaryDir home;
+        const QString pipe = home.filePath("pipe");
+        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        args.replaceInStrings("PIPE", pipe);
+        const auto result = run(args, home.path());
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.err, "paneforge: " + reason.replace("PIPE", pipe) + "\n");
+    }
+
+    // A file name need not be valid in the locale's encoding; the system's bytes name the file.
+    void fileNamesAreTakenByteForByte() {
+        QTemporaryDir home;
+        const QByteArray name = QFile::encodeName(home.path()) + "/caf\xe9.json";
+        QFile file(QString::fromLatin1("ignored"));
+        {
+            const int fd = ::open(name.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            QVERIFY(fd >= 0);
+            QVERIFY(file.open(fd, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle));
+            file.write(ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()));
+            file.close();
+        }
+        QString out;
+        QString err;
+        QTextStream outStream(&out);
+        QTextStream errStream(&err);
+        CliEnvironment environment;
+        environment.configDirectory = [&] { return home.path(); };
+        QCOMPARE(
+            runCli(QList<QByteArray>{"config", "check", name}, outStream, errStream, environment),
+            0);
+        outStream.flush();
+        QCOMPARE(out, "OK\n");
     }
 
     void usageErrors_data() {

@@ -1,6 +1,7 @@
-// Saves two configurations alternately into the folder given as argument, forever, printing a line
-// after each save. The kill test stops it with SIGKILL at arbitrary moments.
-#include "config_fixtures.h"
+// Saves two configurations alternately into the folder given as argument, back to back and
+// forever, printing a line after each save. The kill test stops it with SIGKILL at random
+// moments.
+#include "interrupted_save_configs.h"
 
 #include <cstdio>
 
@@ -12,7 +13,8 @@ int main(int argc, char** argv) {
     const paneforge::ConfigStore store(
         paneforge::LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
         [&] { return directory; });
-    const paneforge::PaneforgeConfig configs[] = {fixtures::smallConfig(), fixtures::largeConfig()};
+    const paneforge::PaneforgeConfig configs[] = {interrupted_save::config(0),
+                                                  interrupted_save::config(1)};
     for (unsigned long long i = 0;; ++i) {
         store.saveConfig(configs[i % 2]);
         std::printf("%llu\n", i);

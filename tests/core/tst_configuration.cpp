@@ -3,9 +3,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 using namespace paneforge;
 
@@ -79,6 +82,9 @@ private Q_SLOTS:
         QTest::newRow("solidus escaped") << QByteArray(R"(["a/b"])") << "[\n  \"a\\/b\"\n]";
         QTest::newRow("control characters")
             << QByteArray("[\"\\t\\u0001\\\"\\\\\"]") << "[\n  \"\\t\\u0001\\\"\\\\\"\n]";
+        QTest::newRow("unpaired surrogates escaped, pairs kept")
+            << QByteArray(R"(["\udc00x\ud83d", "\ud83d\ude00"])")
+            << QString::fromUtf8("[\n  \"\\udc00x\\ud83d\",\n  \"😀\"\n]");
         QTest::newRow("numbers") << QByteArray("[8.0, 0.5, 0.010000000000000009, -3, 1e-7]")
                                  << "[\n  8,\n  0.5,\n  0.010000000000000009,\n  -3,\n  1e-07\n]";
         QTest::newRow("code-point key order")
@@ -143,11 +149,16 @@ private Q_SLOTS:
         };
         QTest::newRow("hotkey without keyCode")
             << with(R"("openEditorHotkey":{"modifiers":256})") << "keyCode";
+        // Numbers are quoted as the file wrote them, with the real reason.
         QTest::newRow("modifiers above 32 bits")
             << with(R"("singleSnapModifiers":{"modifiers":4294967296})")
-            << "singleSnapModifiers.modifiers";
+            << "singleSnapModifiers.modifiers: 4294967296 is outside the range 0 to 4294967295";
         QTest::newRow("fractional key code")
-            << with(R"("moveToNextDisplayHotkey":{"keyCode":1.5,"modifiers":0})") << "keyCode";
+            << with(R"("moveToNextDisplayHotkey":{"keyCode":1.5,"modifiers":0})")
+            << "keyCode: 1.5 is not a whole number";
+        QTest::newRow("nearly whole modifiers")
+            << with(R"("multiSnapModifiers":{"modifiers":1.0000001})")
+            << "1.0000001 is not a whole number";
         QTest::newRow("string for boolean")
             << with(R"("hideMenuBarIcon":"yes")") << "hideMenuBarIcon";
         QTest::newRow("bad layout in a display")
@@ -158,8 +169,24 @@ private Q_SLOTS:
         QTest::newRow("empty file") << QByteArray() << "JSON";
         QTest::newRow("truncated") << QByteArray(kMinimalFile).left(40) << "line 1";
         QTest::newRow("invalid UTF-8") << QByteArray("{\"displays\":\"\xff\xfe\"}") << "JSON";
-        QTest::newRow("deep nesting") << QByteArray(100000, '[') << "JSON";
         QTest::newRow("huge number") << with(R"("cellMarginPoints":1e999)") << "JSON";
+        // Refused before the parser builds a tree for them: a tree of these takes gigabytes.
+        QTest::newRow("deep nesting")
+            << QByteArray("{\"x\":\n") + QByteArray(100000, '[')
+            << "more than 32 levels of nested arrays and objects, at line 2, column 32";
+        QTest::newRow("brackets in strings do not nest")
+            << QByteArray(kMinimalFile)
+                   .replace("\"cellMarginPoints\":4", "\"cellMarginPoints\":true,\"note\":\"" +
+                                                          QByteArray(40, '[') + "\\\"" +
+                                                          QByteArray(40, '{') + "\"")
+            << "cellMarginPoints: expected a number but found a boolean";
+        QByteArray many = "{\"x\":[";
+        for (int i = 0; i < 300000; ++i) {
+            many += "[],";
+        }
+        QTest::newRow("many small arrays") << many << "more than 262144 arrays and objects";
+        QTest::newRow("too large")
+            << QByteArray(ConfigStore::maxFileSizeBytes + 1, ' ') << "more than 16 MB";
     }
     void decodingFailsAndNamesTheKey() {
         QFETCH(QByteArray, json);
@@ -190,10 +217,28 @@ private Q_SLOTS:
         const QByteArray bytes = first.readAll();
         first.close();
         QVERIFY(bytes.contains(R"("W\/1")"));
+        // A save replaces the file but keeps its permissions.
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        const auto ownerOnly = QFile::permissions(path);
         store.saveConfig(store.loadConfig());
+        QCOMPARE(QFile::permissions(path), ownerOnly);
         QVERIFY(first.open(QIODevice::ReadOnly));
         QCOMPARE(first.readAll(), bytes);
         first.close();
+
+        // A hand edit of the same size within the same second is seen at the next load: the
+        // store compares the bytes themselves, not the file's size or time.
+        const QDateTime modified = QFileInfo(path).lastModified();
+        QByteArray edited = bytes;
+        edited.replace("12.5", "13.5");
+        QFile hand(path);
+        QVERIFY(hand.open(QIODevice::ReadWrite));
+        QCOMPARE(hand.write(edited), bytes.size());
+        QVERIFY(hand.flush());
+        QVERIFY(hand.setFileTime(modified, QFileDevice::FileModificationTime));
+        hand.close();
+        QCOMPARE(QFileInfo(path).lastModified(), modified);
+        QCOMPARE(store.loadConfig().cellMarginPoints(), 13.5);
 
         QFile corrupt(path);
         QVERIFY(corrupt.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -204,19 +249,113 @@ private Q_SLOTS:
         QCOMPARE(corrupt.readAll(), QByteArray("{}"));
     }
 
-    void directoryInPlaceOfTheFile() {
+    // Only regular files are read, and no more than the cap: a named pipe would block the reader
+    // for good, a device would stream without end. A save replaces only a regular file (or
+    // writes a new one); the device is never tried: a writer getting that wrong, run as root,
+    // would replace the system's own device.
+    void specialFilesAtThePath_data() {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("reason");
+        QTest::addColumn<QString>("save");
+        QTest::newRow("folder") << "folder"
+                                << "it is a folder, not a regular file"
+                                << "refused";
+        QTest::newRow("named pipe") << "fifo"
+                                    << "it is a named pipe, not a regular file"
+                                    << "refused";
+        QTest::newRow("device") << "device"
+                                << "it is a device, not a regular file"
+                                << "untried";
+        QTest::newRow("oversized file") << "oversized"
+                                        << "it is larger than 16 MB"
+                                        << "replaces";
+        QTest::newRow("dangling link") << "dangling"
+                                       << "No such file or directory"
+                                       << "replaces";
+    }
+    void specialFilesAtThePath() {
+        QFETCH(QString, kind);
+        QFETCH(QString, reason);
+        QFETCH(QString, save);
         QTemporaryDir home;
         const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
                                 [&] { return home.path(); });
-        QVERIFY(QDir().mkpath(home.filePath(QStringLiteral("Paneforge/config.json"))));
+        const QString path = home.filePath(QStringLiteral("Paneforge/config.json"));
+        QVERIFY(QDir().mkpath(home.filePath(QStringLiteral("Paneforge"))));
+        if (kind == "folder") {
+            QVERIFY(QDir().mkpath(path));
+        } else if (kind == "fifo") {
+            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        } else if (kind == "device") {
+            QVERIFY(QFile::link(QStringLiteral("/dev/zero"), path));
+        } else if (kind == "oversized") {
+            QFile file(path); // sparse: nothing is written
+            QVERIFY(file.open(QIODevice::WriteOnly) &&
+                    file.resize(ConfigStore::maxFileSizeBytes + 1));
+        } else {
+            QVERIFY(QFile::link(home.filePath(QStringLiteral("gone.json")), path));
+        }
         try {
             store.loadConfig();
-            QFAIL("a folder is not a configuration");
+            QFAIL("only a regular file within the cap is a configuration");
         } catch (const ConfigStoreError& error) {
             QCOMPARE(error.kind(), ConfigStoreError::Kind::Read);
+            QVERIFY2(error.message().endsWith(reason + "."), qPrintable(error.message()));
         }
-        QVERIFY_THROWS_EXCEPTION(ConfigStoreError,
-                                 store.saveConfig(PaneforgeConfig::makeDefault()));
+        if (save == "replaces") {
+            store.saveConfig(richConfig());
+            QVERIFY(store.loadConfig() == richConfig());
+        } else if (save == "refused") {
+            QVERIFY_THROWS_EXCEPTION(ConfigStoreError, store.saveConfig(richConfig()));
+            QVERIFY(!QFileInfo(path).isFile());
+        }
+    }
+
+    // A save removes what killed saves left behind, and nothing else: a live writer holds a lock
+    // on its file, and one that has only just created it (where it cannot be created locked)
+    // has not written anything yet.
+    void leftoversOfKilledSavesAreRemoved_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("locked");
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<int>("ageSeconds");
+        QTest::addColumn<bool>("kept");
+        const QString temporary = ".config.json.saving-Ab3dE9";
+        QTest::newRow("killed writer's") << temporary << false << QByteArray("{") << 60 << false;
+        QTest::newRow("killed writer's, empty")
+            << temporary << false << QByteArray() << 60 << false;
+        QTest::newRow("live writer's") << temporary << true << QByteArray("{") << 60 << true;
+        QTest::newRow("just created") << temporary << false << QByteArray() << 0 << true;
+        QTest::newRow("the user's copy")
+            << "config.json.backup" << false << QByteArray("{") << 60 << true;
+        QTest::newRow("another file's")
+            << ".other.json.saving-Ab3dE9" << false << QByteArray("{") << 60 << true;
+        QTest::newRow("longer name") << temporary + "7" << false << QByteArray("{") << 60 << true;
+    }
+    void leftoversOfKilledSavesAreRemoved() {
+        QFETCH(QString, name);
+        QFETCH(bool, locked);
+        QFETCH(QByteArray, contents);
+        QFETCH(int, ageSeconds);
+        QFETCH(bool, kept);
+        QTemporaryDir home;
+        const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
+                                [&] { return home.path(); });
+        QFile leftover(home.filePath("Paneforge/" + name));
+        QVERIFY(QDir().mkpath(home.filePath("Paneforge")));
+        QVERIFY(leftover.open(QIODevice::ReadWrite));
+        leftover.write(contents);
+        leftover.flush();
+        QVERIFY(leftover.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds),
+                                     QFileDevice::FileModificationTime));
+        if (locked) {
+            QCOMPARE(::flock(leftover.handle(), LOCK_EX), 0);
+        } else {
+            leftover.close();
+        }
+        store.saveConfig(richConfig());
+        QCOMPARE(QFile::exists(leftover.fileName()), kept);
+        QVERIFY(store.loadConfig() == richConfig());
     }
 
     void noDirectoryAvailable() {

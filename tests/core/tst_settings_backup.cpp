@@ -94,6 +94,13 @@ private Q_SLOTS:
         QTest::newRow("too large")
             << QByteArray(SettingsBackupFormat::maxFileSizeBytes + 1, ' ') << Outcome::Decoding;
         QTest::newRow("hostile nesting") << QByteArray(200000, '{') << Outcome::Decoding;
+        // A valid 64-bit integer is a version, however large; the double it rounds to is not.
+        QTest::newRow("version 2^63 - 1")
+            << backupWith("\"paneforge-backup\"", "9223372036854775807", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::UnsupportedVersion;
+        QTest::newRow("version 2^63")
+            << backupWith("\"paneforge-backup\"", "9223372036854775808", "\"2025-03-14T09:26:53Z\"")
+            << Outcome::Decoding;
     }
     void threeOutcomesStayApart() {
         QFETCH(QByteArray, data);
@@ -101,14 +108,36 @@ private Q_SLOTS:
         QCOMPARE(outcomeOf(data), outcome);
     }
 
-    void decodingErrorNamesTheMissingKey() {
+    void decodingErrorsNameTheProblem_data() {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("a configuration file")
+            << ConfigStore::encodeConfig(PaneforgeConfig::makeDefault())
+            << "missing key at the top level: no value for key \"format\"";
+        QTest::newRow("nearly whole version")
+            << backupWith("\"paneforge-backup\"", "1.0000001", "\"2025-03-14T09:26:53Z\"")
+            << "formatVersion: 1.0000001 is not a whole number";
+        QTest::newRow("version beyond 64 bits")
+            << backupWith("\"paneforge-backup\"", "1e19", "\"2025-03-14T09:26:53Z\"")
+            << "formatVersion: 10000000000000000000 does not fit in a 64-bit integer";
+        // A 16 MB backup of arrays nested 1,000 deep in an ignored key once took 1.3 GB to accept.
+        QByteArray deep = backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"");
+        deep.insert(1, "\"ignored\":" + QByteArray(1000, '[') + QByteArray(1000, ']') + ",");
+        QTest::newRow("deep nesting in an ignored key")
+            << deep << "more than 32 levels of nested arrays and objects, at byte 42";
+    }
+    void decodingErrorsNameTheProblem() {
+        QFETCH(QByteArray, data);
+        QFETCH(QString, message);
         try {
-            SettingsBackupRestore::document(
-                ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()));
-            QFAIL("a configuration file is not a backup");
+            SettingsBackupRestore::document(data);
+            QFAIL("not a backup document");
         } catch (const SettingsBackupDecodingError& error) {
-            QVERIFY2(error.message().contains("\"format\""), qPrintable(error.message()));
+            QVERIFY2(error.message().contains(message), qPrintable(error.message()));
         }
+    }
+
+    void restoreErrorTexts() {
         QCOMPARE(
             SettingsBackupRestoreException::description(SettingsBackupRestoreError::InvalidFormat),
             QStringLiteral("This file is not a Paneforge backup."));

@@ -1,6 +1,10 @@
+#include "core/geometry/cell_frame_calculator.h"
+#include "core/geometry/grid_calculator.h"
 #include "ui/snap_overlay_model.h"
 
 #include <QTest>
+#include <cmath>
+#include <limits>
 
 using namespace paneforge;
 
@@ -10,6 +14,8 @@ private Q_SLOTS:
     void desktopToView_data();
     void desktopToView();
     void maskCoversOutlinesAndChosenZonesOnly();
+    void extremeMarginsStayOnTheDisplay_data();
+    void extremeMarginsStayOnTheDisplay();
     void colors();
 };
 
@@ -53,6 +59,59 @@ void TestSnapOverlayModel::maskCoversOutlinesAndChosenZonesOnly() {
     QVERIFY(!mask.contains(QPoint(25, 5)));
     QVERIFY(SnapOverlayModel({QRectF(0, 0, 10, 10)}, {}).mask().contains(QPoint(0, 5)));
     QVERIFY(!SnapOverlayModel({QRectF(0, 0, 10, 10)}, {}).mask().contains(QPoint(4, 5)));
+}
+
+// The configuration keeps any margin as written. Laid out and drawn the way the snap controller and
+// the overlay window do it, a 2 x 2 layout on a 1920 x 1080 display must still draw inside the
+// view (the mask's pixel arithmetic overflowed, an abort under UBSan) and give a window a frame on
+// the display or none at all (windows went to 65535 x 65535 off screen, or to 3 x 26 pixels).
+void TestSnapOverlayModel::extremeMarginsStayOnTheDisplay_data() {
+    QTest::addColumn<double>("margin");
+    QTest::addColumn<QRectF>("wholeLayout"); // the target when every zone is chosen; null: none
+    QTest::addColumn<QRectF>("topLeftZone");
+    const QRectF display(0, 0, 1920, 1080);
+    QTest::newRow("usual") << 8.0 << QRectF(8, 8, 1904, 1064) << QRectF(8, 544, 948, 528);
+    QTest::newRow("-2e9") << -2e9 << display << display;
+    QTest::newRow("-1e300") << -1e300 << display << display;
+    QTest::newRow("-infinity") << -std::numeric_limits<double>::infinity() << display << display;
+    QTest::newRow("1e100") << 1e100 << QRectF() << QRectF();
+    QTest::newRow("largest double") << std::numeric_limits<double>::max() << QRectF() << QRectF();
+    QTest::newRow("not a number") << std::nan("") << display << QRectF(0, 540, 960, 540);
+}
+
+void TestSnapOverlayModel::extremeMarginsStayOnTheDisplay() {
+    QFETCH(double, margin);
+    QFETCH(QRectF, wholeLayout);
+    QFETCH(QRectF, topLeftZone);
+    const DesktopRect visible(0, 0, 1920, 1080);
+    const QRectF view(0, 0, 1920, 1080);
+    const auto cells = GridCalculator().getCells(
+        GridDefinition(QStringLiteral("q"), QStringLiteral("Q"), {0.5}, {0.5}));
+    const CellFrames frames = CellFrameCalculator().getCellFrames(cells, visible, margin);
+    QList<QRectF> outlines;
+    std::vector<DesktopRect> all;
+    for (const DesktopRect& frame : frames) {
+        outlines.append(paneforge::desktopToView(frame, view, QPointF()));
+        all.push_back(frame);
+    }
+
+    const SnapOverlayModel model(outlines, outlines, view);
+    for (const QRectF& outline : model.outlines()) {
+        QVERIFY(view.adjusted(-1, -1, 1, 1).contains(outline));
+    }
+    for (const QRectF& fill : model.fills()) {
+        QVERIFY(view.contains(fill));
+    }
+    const QRegion mask = model.mask();
+    QVERIFY(mask.isEmpty() || QRect(-1, -1, 1922, 1082).contains(mask.boundingRect()));
+
+    const auto toQt = [](const std::optional<DesktopRect>& r) {
+        return r ? QRectF(r->x(), r->y(), r->width(), r->height()) : QRectF();
+    };
+    QCOMPARE(toQt(CellFrameCalculator::snapTarget(all, visible)), wholeLayout);
+    QCOMPARE(
+        toQt(CellFrameCalculator::snapTarget({frames.value(QStringLiteral("r0-c0"))}, visible)),
+        topLeftZone);
 }
 
 void TestSnapOverlayModel::colors() {

@@ -64,6 +64,8 @@ private Q_SLOTS:
     void multiSnapTakesTheBoundingBox();
     void releasingTheCombinationRestores();
     void eachMonitorSnapsToItsOwnLayout();
+    void hostileConfigurations_data();
+    void hostileConfigurations();
     void refusesToStartWithoutADisplay();
     void cleanupTestCase();
 
@@ -132,6 +134,7 @@ private:
     X11WindowService windows_{connection_, scheduler_, [](const QString&) {}};
     QProcess* agent_ = nullptr;
     std::uint32_t logo_ = 0;
+    std::optional<PaneforgeConfig> config_;
 };
 
 bool AgentSnappingTest::grabTitleBarAndPress(const QString& keys, const QString& expectedMatch) {
@@ -188,8 +191,8 @@ void AgentSnappingTest::initTestCase() {
         displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
                                   DisplayLayouts(QStringLiteral("rows"), {rows, quarters}));
     }
-    saveConfig(
-        PaneforgeConfig::makeDefault().copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0));
+    config_ = PaneforgeConfig::makeDefault().copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0);
+    saveConfig(*config_);
 
     QProcessEnvironment env;
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));
@@ -245,6 +248,8 @@ void AgentSnappingTest::singleSnapPressedMidDrag() {
     QVERIFY(X11TestSession::waitUntil([&] { return !overlayWindow(nullptr); }));
     const DesktopRect expected = fromRoot(965, 10, 945, 525);
     QVERIFY2(waitForFrame(expected), qPrintable(describe(frame()) + "\n" + logText()));
+    // xlogo names itself only in WM_NAME, as a STRING.
+    QVERIFY2(logText().contains(QStringLiteral(" title=xlogo ")), qPrintable(logText()));
 }
 
 void AgentSnappingTest::multiSnapTakesTheBoundingBox() {
@@ -319,6 +324,75 @@ void AgentSnappingTest::eachMonitorSnapsToItsOwnLayout() {
     QVERIFY(logText().contains(QStringLiteral("layout=rows")));
 }
 
+// Whatever is at the configuration path, a snap ends promptly and sanely: a named pipe or a device
+// is refused rather than read (a pipe froze the agent, a device filled its memory), and a margin
+// of any size leaves the window on the desktop or where it was.
+void AgentSnappingTest::hostileConfigurations_data() {
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<double>("margin");
+    QTest::addColumn<QString>("outcome"); // the log line that ends the snap
+    QTest::addColumn<bool>("fillsTheScreen");
+    QTest::newRow("named pipe") << "fifo" << 0.0 << "SnapController.snapAndHide config=nil"
+                                << false;
+    QTest::newRow("device") << "device" << 0.0 << "SnapController.snapAndHide config=nil" << false;
+    QTest::newRow("margin -2e9") << "margin" << -2e9
+                                 << "X11WindowService.setFrame requested=" << true;
+    QTest::newRow("margin 1e100") << "margin" << 1e100 << "X11WindowService.setFrame refused"
+                                  << false;
+}
+
+void AgentSnappingTest::hostileConfigurations() {
+    QFETCH(QString, kind);
+    QFETCH(double, margin);
+    QFETCH(QString, outcome);
+    QFETCH(bool, fillsTheScreen);
+    QVERIFY(xdotool({QStringLiteral("windowsize"), QString::number(logo_), QStringLiteral("300"),
+                     QStringLiteral("200")}));
+    QVERIFY(X11TestSession::waitUntil([this] { return frame() && frame()->width() < 400; }));
+    const QString path = home_.filePath(QStringLiteral("config/Paneforge/config.json"));
+    QVERIFY(QFile::remove(path));
+    if (kind == "fifo") {
+        QVERIFY(session_.run(QStringLiteral("mkfifo"), {path}));
+    } else if (kind == "device") {
+        QVERIFY(QFile::link(QStringLiteral("/dev/zero"), path));
+    } else {
+        saveConfig(config_->withCellMarginPoints(margin));
+    }
+
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256 "
+                                                 "mode=single")),
+             qPrintable(logText()));
+    QVERIFY(moveTo(QPoint(1400, 300)));
+    QVERIFY(moveTo(QPoint(1402, 302)));
+    const int before = logCount(outcome);
+    QVERIFY(xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}));
+    // A snap applies its frame three times; a failed one ends after one line.
+    QVERIFY2(X11TestSession::waitUntil(
+                 [&] { return logCount(outcome) >= before + (kind == "margin" ? 3 : 1); }),
+             qPrintable(logText()));
+    QVERIFY(xdotool({QStringLiteral("keyup"), QStringLiteral("super")}));
+    if (fillsTheScreen) {
+        QVERIFY2(waitForFrame(fromRoot(0, 0, 1920, 1080)), qPrintable(describe(frame())));
+    } else {
+        const auto current = frame();
+        QVERIFY2(current && current->width() < 400 && current->minX() >= 0 &&
+                     current->maxX() <= 1920 && current->minY() >= 0 && current->maxY() <= 1080,
+                 qPrintable(describe(current)));
+    }
+    // Bounded memory, whatever was read: a device once took gigabytes within seconds.
+    QFile status(QStringLiteral("/proc/%1/status").arg(agent_->processId()));
+    QVERIFY(status.open(QIODevice::ReadOnly));
+    const QString peak = QString::fromLatin1(status.readAll())
+                             .section(QStringLiteral("VmHWM:"), 1)
+                             .section(QStringLiteral("kB"), 0, 0)
+                             .trimmed();
+    QVERIFY2(peak.toLongLong() > 0 && peak.toLongLong() < 1024 * 1024, qPrintable(peak));
+
+    QVERIFY(QFile::remove(path));
+    saveConfig(*config_);
+}
+
 void AgentSnappingTest::refusesToStartWithoutADisplay() {
     QProcess agent;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -367,6 +441,9 @@ int main(int argc, char** argv) {
                       << QStringLiteral("multiSnapTakesTheBoundingBox")
                       << QStringLiteral("releasingTheCombinationRestores")
                       << QStringLiteral("refusesToStartWithoutADisplay");
+            if (!kComposited) {
+                arguments << QStringLiteral("hostileConfigurations");
+            }
         }
         return QTest::qExec(&test, arguments);
     });

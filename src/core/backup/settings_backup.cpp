@@ -82,6 +82,12 @@ SettingsBackupDocument SettingsBackupDecoder::decode(const QByteArray& data) {
             QStringLiteral("The file is too large to be a Paneforge backup (more than %1 MB).")
                 .arg(SettingsBackupFormat::maxFileSizeBytes / (1024 * 1024)));
     }
+    if (const auto excess = json::excessiveStructure(data)) {
+        throw SettingsBackupDecodingError(
+            QStringLiteral("The file is too complex to be a Paneforge backup (%1, at byte %2).")
+                .arg(excess->describe({}))
+                .arg(excess->offset));
+    }
     QJsonParseError parseError{};
     const QJsonDocument json = QJsonDocument::fromJson(data, &parseError);
     if (parseError.error != QJsonParseError::NoError) {

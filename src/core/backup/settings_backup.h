@@ -66,7 +66,8 @@ QByteArray encode(const SettingsBackupDocument& document);
 } // namespace SettingsBackupEncoder
 
 namespace SettingsBackupDecoder {
-// Decodes without looking at the envelope's values; throws SettingsBackupDecodingError.
+// Decodes without looking at the envelope's values; throws SettingsBackupDecodingError. Oversized
+// and absurdly nested data is refused before it is parsed.
 SettingsBackupDocument decode(const QByteArray& data);
 } // namespace SettingsBackupDecoder
 

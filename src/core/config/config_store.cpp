@@ -2,13 +2,11 @@
 
 #include "core/config/json_decoding.h"
 #include "core/config/pretty_json.h"
+#include "core/config/regular_file_reader.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonParseError>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace paneforge {
@@ -62,35 +60,48 @@ QString ConfigStore::getConfigPath() const {
 
 PaneforgeConfig ConfigStore::loadConfig() const {
     const QString path = getConfigPath();
-    const QFileInfo info(path);
-    if (!info.exists() && !info.isSymLink()) {
+    const auto file = RegularFileReader::read(path, maxFileSizeBytes);
+    if (file.status == RegularFileReader::Result::Status::Missing) {
         return PaneforgeConfig::makeDefault();
     }
-    QFile file(path);
-    QByteArray data;
-    if (info.isDir() || !file.open(QIODevice::ReadOnly)) {
-        const QString reason = info.isDir() ? QStringLiteral("it is a folder") : file.errorString();
+    if (file.status != RegularFileReader::Result::Status::Read) {
         const QString message =
-            QStringLiteral("The file “%1” couldn’t be read: %2.").arg(path, reason);
-        logger_.error(QStringLiteral("Failed to read config: %1").arg(message));
-        throw ConfigStoreError(ConfigStoreError::Kind::Read, message);
-    }
-    data = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        const QString message =
-            QStringLiteral("The file “%1” couldn’t be read: %2.").arg(path, file.errorString());
+            QStringLiteral("The file “%1” couldn’t be read: %2.")
+                .arg(path, RegularFileReader::describeFailure(file, maxFileSizeBytes));
         logger_.error(QStringLiteral("Failed to read config: %1").arg(message));
         throw ConfigStoreError(ConfigStoreError::Kind::Read, message);
     }
     try {
-        return decodeConfig(data);
+        return decodeOrReuse(file.bytes);
     } catch (const ConfigStoreError& error) {
         logger_.error(QStringLiteral("Failed to decode config: %1").arg(error.message()));
         throw;
     }
 }
 
+PaneforgeConfig ConfigStore::decodeOrReuse(const QByteArray& bytes) const {
+    const std::lock_guard lock(decodedMutex_);
+    if (decoded_ && bytes == decodedBytes_) {
+        return *decoded_;
+    }
+    decoded_ = decodeConfig(bytes);
+    decodedBytes_ = bytes;
+    return *decoded_;
+}
+
 PaneforgeConfig ConfigStore::decodeConfig(const QByteArray& data) {
+    if (data.size() > maxFileSizeBytes) {
+        throw ConfigStoreError(ConfigStoreError::Kind::Decode,
+                               QStringLiteral("The data is too large to be a Paneforge "
+                                              "configuration (more than %1 MB).")
+                                   .arg(maxFileSizeBytes / (1024 * 1024)));
+    }
+    if (const auto excess = json::excessiveStructure(data)) {
+        throw ConfigStoreError(ConfigStoreError::Kind::Decode,
+                               QStringLiteral("The data is too complex to be a Paneforge "
+                                              "configuration (%1, at %2).")
+                                   .arg(excess->describe({}), positionOf(data, excess->offset)));
+    }
     QJsonParseError parseError{};
     const QJsonDocument document = QJsonDocument::fromJson(data, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
@@ -123,25 +134,6 @@ void ConfigStore::saveConfig(const PaneforgeConfig& config) const {
         logger_.error(QStringLiteral("Failed to write config: %1").arg(message));
         throw ConfigStoreError(ConfigStoreError::Kind::Write, message);
     }
-}
-
-QString writeFileAtomically(const QString& path, const QByteArray& bytes) {
-    // QSaveFile writes a temporary file in the same directory, syncs it to disk on commit and
-    // renames it over the target; the old file stays intact until that rename.
-    QSaveFile file(path);
-    file.setDirectWriteFallback(false);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return file.errorString();
-    }
-    if (file.write(bytes) != bytes.size()) {
-        const QString reason = file.errorString();
-        file.cancelWriting();
-        return reason;
-    }
-    if (!file.commit()) {
-        return file.errorString();
-    }
-    return {};
 }
 
 } // namespace paneforge

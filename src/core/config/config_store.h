@@ -1,11 +1,14 @@
 #pragma once
 
+#include "core/config/atomic_file_writer.h"
 #include "core/config/paneforge_config.h"
 #include "core/diagnostics/logger_factory.h"
 
 #include <QByteArray>
 #include <QString>
 #include <functional>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace paneforge {
@@ -35,11 +38,16 @@ using ConfigDirectoryProvider = std::function<QString()>;
 
 ConfigDirectoryProvider defaultConfigDirectoryProvider();
 
-// Reads and writes the configuration file. No copy is kept: every load reads the file afresh, so
-// a change written by any component, or by hand, is seen on the next load.
+// Reads and writes the configuration file. Every load reads the file afresh, so a change written
+// by any component, or by hand, is seen on the next load; only the decoding is skipped when the
+// bytes are exactly those decoded last time (no invalidation to get wrong: the bytes decide).
 class ConfigStore {
 public:
     ConfigStore(Logger logger, ConfigDirectoryProvider directoryProvider);
+
+    // A configuration is a few kilobytes (50 displays with 40 layouts each stay under 600 kB):
+    // anything larger is refused, like an oversized backup.
+    static constexpr qint64 maxFileSizeBytes = 16 * 1024 * 1024;
 
     // The default configuration when there is no file yet; throws ConfigStoreError when the file
     // cannot be read or decoded (the file is then left exactly as it is).
@@ -55,18 +63,21 @@ public:
     static QByteArray encodeConfig(const PaneforgeConfig& config);
 
     // Decodes a configuration file's bytes; ConfigStoreError (kind Decode) names the problem and,
-    // for malformed JSON, its line and column.
+    // for malformed JSON, its line and column. Oversized and absurdly nested data is refused
+    // before it is parsed.
     static PaneforgeConfig decodeConfig(const QByteArray& data);
 
     static QString fileName() { return QStringLiteral("config.json"); }
 
 private:
+    PaneforgeConfig decodeOrReuse(const QByteArray& bytes) const;
+
     Logger logger_;
     ConfigDirectoryProvider directoryProvider_;
+    // The last bytes decoded and what they decoded to.
+    mutable std::mutex decodedMutex_;
+    mutable QByteArray decodedBytes_;
+    mutable std::optional<PaneforgeConfig> decoded_;
 };
-
-// Writes bytes to a path atomically (temporary file beside it, fsync, rename). Returns an empty
-// string on success, else the reason.
-QString writeFileAtomically(const QString& path, const QByteArray& bytes);
 
 } // namespace paneforge

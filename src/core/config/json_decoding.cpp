@@ -1,5 +1,8 @@
 #include "core/config/json_decoding.h"
 
+#include <QCborValue>
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace paneforge {
@@ -34,6 +37,16 @@ QString displayPath(const QString& path) {
     throw JsonDecodingError(JsonDecodingError::Kind::TypeMismatch, path,
                             QStringLiteral("expected %1 but found %2")
                                 .arg(QLatin1String(expected), json::describeType(value)));
+}
+
+// Whether the parser kept the number as a 64-bit integer (a whole number that fits); such a value
+// is exact, where its double would round beyond 2^53.
+bool isInteger(const QJsonValue& value) {
+    return value.isDouble() && QCborValue::fromJsonValue(value).isInteger();
+}
+
+bool isWhole(double number) {
+    return std::isfinite(number) && std::trunc(number) == number;
 }
 
 bool isIdentifier(const QString& key) {
@@ -117,22 +130,29 @@ bool toBool(const QJsonValue& value, const QString& path) {
 
 std::int64_t toInt(const QJsonValue& value, const QString& path) {
     const double number = toDouble(value, path);
-    // 2^63 is exactly representable; anything at or beyond it does not fit.
-    if (!std::isfinite(number) || std::trunc(number) != number || number < -9223372036854775808.0 ||
-        number >= 9223372036854775808.0) {
-        throw JsonDecodingError(JsonDecodingError::Kind::DataCorrupted, path,
-                                QStringLiteral("%1 is not a whole number that fits").arg(number));
+    if (isInteger(value)) {
+        return value.toInteger();
     }
-    return static_cast<std::int64_t>(number);
+    if (!isWhole(number)) {
+        throw JsonDecodingError(JsonDecodingError::Kind::DataCorrupted, path,
+                                QStringLiteral("%1 is not a whole number").arg(numberText(value)));
+    }
+    // A whole double that the parser did not keep as a 64-bit integer is out of its range.
+    throw JsonDecodingError(
+        JsonDecodingError::Kind::DataCorrupted, path,
+        QStringLiteral("%1 does not fit in a 64-bit integer").arg(numberText(value)));
 }
 
 std::uint32_t toUInt32(const QJsonValue& value, const QString& path) {
     const double number = toDouble(value, path);
-    if (!std::isfinite(number) || std::trunc(number) != number || number < 0.0 ||
-        number > 4294967295.0) {
+    if (!isInteger(value) && !isWhole(number)) {
+        throw JsonDecodingError(JsonDecodingError::Kind::DataCorrupted, path,
+                                QStringLiteral("%1 is not a whole number").arg(numberText(value)));
+    }
+    if (number < 0.0 || number > 4294967295.0) {
         throw JsonDecodingError(
             JsonDecodingError::Kind::DataCorrupted, path,
-            QStringLiteral("%1 is not a whole number from 0 to 4294967295").arg(number));
+            QStringLiteral("%1 is outside the range 0 to 4294967295").arg(numberText(value)));
     }
     return static_cast<std::uint32_t>(number);
 }
@@ -149,6 +169,67 @@ QJsonObject toObject(const QJsonValue& value, const QString& path) {
         throwTypeMismatch(value, path, "an object");
     }
     return value.toObject();
+}
+
+QString numberText(const QJsonValue& value) {
+    if (isInteger(value)) {
+        return QString::number(value.toInteger());
+    }
+    const double number = value.toDouble();
+    // A whole number keeps all its digits up to where the exponent form is shorter anyway.
+    char buffer[64];
+    const auto result =
+        isWhole(number) && std::abs(number) < 1e21
+            ? std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed)
+            : std::to_chars(buffer, buffer + sizeof buffer, number);
+    return QString::fromLatin1(buffer, static_cast<qsizetype>(result.ptr - buffer));
+}
+
+QString StructureExcess::describe(const StructureLimits& limits) const {
+    return kind == Kind::Depth
+               ? QStringLiteral("more than %1 levels of nested arrays and objects")
+                     .arg(limits.maxDepth)
+               : QStringLiteral("more than %1 arrays and objects").arg(limits.maxContainers);
+}
+
+std::optional<StructureExcess> excessiveStructure(const QByteArray& data,
+                                                  const StructureLimits& limits) {
+    int depth = 0;
+    qsizetype containers = 0;
+    bool inString = false;
+    const char* bytes = data.constData();
+    for (qsizetype i = 0, size = data.size(); i < size; ++i) {
+        const char c = bytes[i];
+        if (inString) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == '"') {
+                inString = false;
+            }
+            continue;
+        }
+        switch (c) {
+        case '"':
+            inString = true;
+            break;
+        case '[':
+        case '{':
+            if (++depth > limits.maxDepth) {
+                return StructureExcess{StructureExcess::Kind::Depth, i};
+            }
+            if (++containers > limits.maxContainers) {
+                return StructureExcess{StructureExcess::Kind::Containers, i};
+            }
+            break;
+        case ']':
+        case '}':
+            depth = std::max(0, depth - 1);
+            break;
+        default:
+            break;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace json
@@ -186,16 +267,21 @@ std::optional<QJsonValue> JsonObjectReader::optionalValue(const QString& key) co
     return *it;
 }
 
+// The path of a value is only spelled out when there is an error to report: a large document has
+// hundreds of thousands of values.
 double JsonObjectReader::requireDouble(const QString& key) const {
-    return json::toDouble(requireValue(key), pathOf(key));
+    const QJsonValue value = requireValue(key);
+    return value.isDouble() ? value.toDouble() : json::toDouble(value, pathOf(key));
 }
 
 QString JsonObjectReader::requireString(const QString& key) const {
-    return json::toString(requireValue(key), pathOf(key));
+    const QJsonValue value = requireValue(key);
+    return value.isString() ? value.toString() : json::toString(value, pathOf(key));
 }
 
 bool JsonObjectReader::requireBool(const QString& key) const {
-    return json::toBool(requireValue(key), pathOf(key));
+    const QJsonValue value = requireValue(key);
+    return value.isBool() ? value.toBool() : json::toBool(value, pathOf(key));
 }
 
 std::int64_t JsonObjectReader::requireInt(const QString& key) const {
@@ -207,7 +293,8 @@ std::uint32_t JsonObjectReader::requireUInt32(const QString& key) const {
 }
 
 QJsonArray JsonObjectReader::requireArray(const QString& key) const {
-    return json::toArray(requireValue(key), pathOf(key));
+    const QJsonValue value = requireValue(key);
+    return value.isArray() ? value.toArray() : json::toArray(value, pathOf(key));
 }
 
 QJsonObject JsonObjectReader::requireObject(const QString& key) const {
@@ -220,11 +307,13 @@ JsonObjectReader JsonObjectReader::requireReader(const QString& key) const {
 
 std::vector<double> JsonObjectReader::requireDoubleArray(const QString& key) const {
     const QJsonArray array = requireArray(key);
-    const QString arrayPath = pathOf(key);
     std::vector<double> values;
     values.reserve(static_cast<size_t>(array.size()));
     for (qsizetype i = 0; i < array.size(); ++i) {
-        values.push_back(json::toDouble(array.at(i), json::indexPath(arrayPath, i)));
+        const QJsonValue element = array.at(i);
+        values.push_back(element.isDouble()
+                             ? element.toDouble()
+                             : json::toDouble(element, json::indexPath(pathOf(key), i)));
     }
     return values;
 }

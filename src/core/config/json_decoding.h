@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
@@ -82,6 +83,29 @@ std::int64_t toInt(const QJsonValue& value, const QString& path);
 std::uint32_t toUInt32(const QJsonValue& value, const QString& path);
 QJsonArray toArray(const QJsonValue& value, const QString& path);
 QJsonObject toObject(const QJsonValue& value, const QString& path);
+
+// A number for a message, as the file wrote it as far as the parsed value tells: whole numbers in
+// full ("4294967296", not "4.29497e+09"), others in their shortest exact form ("1.0000001").
+QString numberText(const QJsonValue& value);
+
+// Paneforge's documents nest a handful of levels and hold a few thousand arrays and objects (50
+// displays with 40 layouts each: about 6,000). Far beyond that a document is hostile: every array
+// and object costs the parser a few hundred bytes, so 16 MB of small ones would take gigabytes.
+struct StructureLimits {
+    int maxDepth = 32;
+    qsizetype maxContainers = 1 << 18;
+};
+struct StructureExcess {
+    enum class Kind { Depth, Containers };
+    Kind kind;
+    qsizetype offset; // of the array or object that went over the limit
+    QString describe(const StructureLimits& limits) const;
+};
+// The first array or object that opens deeper than the limit or beyond the count, or none. One
+// pass over the bytes without allocating, so that a hostile document is refused before the parser
+// builds a tree for it; brackets inside strings do not count.
+std::optional<StructureExcess> excessiveStructure(const QByteArray& data,
+                                                  const StructureLimits& limits = {});
 } // namespace json
 
 } // namespace paneforge

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <functional>
 
 namespace paneforge::PrettyJSON {
 
@@ -15,8 +16,8 @@ const QStringList kLayoutKeys = {QStringLiteral("id"), QStringLiteral("name"),
                                  QStringLiteral("horizontalSplits"),
                                  QStringLiteral("verticalSplits")};
 
-QString indent(int level) {
-    return QString(level * 2, QLatin1Char(' '));
+void appendIndent(QString& out, int level) {
+    out.append(QString(level * 2, QLatin1Char(' ')));
 }
 
 bool isGrid(const QJsonObject& object) {
@@ -24,23 +25,53 @@ bool isGrid(const QJsonObject& object) {
                        [&](const QString& key) { return object.contains(key); });
 }
 
-// Code-point order; QString's own comparison orders by UTF-16 units, which differs for
-// characters beyond the Basic Multilingual Plane.
-bool codePointLess(const QString& a, const QString& b) {
-    const QList<uint> x = a.toUcs4();
-    const QList<uint> y = b.toUcs4();
-    return std::lexicographical_compare(x.begin(), x.end(), y.begin(), y.end());
-}
-
-QString container(const QStringList& lines, QChar open, QChar close, int level) {
-    if (lines.isEmpty()) {
-        return QString(open) + QLatin1String("\n\n") + indent(level) + close;
+// A UTF-16 unit weighted so that comparing units compares code points: surrogates (which carry
+// the characters beyond the Basic Multilingual Plane) sort after every other unit.
+char16_t codePointWeight(char16_t unit) {
+    if (unit >= 0xD800 && unit <= 0xDFFF) {
+        return static_cast<char16_t>(unit + 0x2000);
     }
-    return QString(open) + QLatin1Char('\n') + lines.join(QLatin1String(",\n")) +
-           QLatin1Char('\n') + indent(level) + close;
+    if (unit >= 0xE000) {
+        return static_cast<char16_t>(unit - 0x800);
+    }
+    return unit;
 }
 
-QStringList objectLines(const QJsonObject& object, int level) {
+// Code-point order without converting the keys; QString's own comparison orders by UTF-16 units,
+// which differs for characters beyond the Basic Multilingual Plane.
+bool codePointLess(const QString& a, const QString& b) {
+    return std::lexicographical_compare(
+        a.begin(), a.end(), b.begin(), b.end(), [](QChar x, QChar y) {
+            return codePointWeight(x.unicode()) < codePointWeight(y.unicode());
+        });
+}
+
+void writeTo(QString& out, const QJsonValue& value, int level);
+
+// Entries and elements are appended to one buffer as they are visited, so printing is linear in
+// the size of the document, however deep it nests.
+void writeContainer(QString& out, QChar open, QChar close, int level, qsizetype count,
+                    const std::function<void(qsizetype)>& writeEntry) {
+    out.append(open);
+    out.append(QLatin1Char('\n'));
+    if (count == 0) {
+        out.append(QLatin1Char('\n'));
+    }
+    for (qsizetype i = 0; i < count; ++i) {
+        if (i > 0) {
+            out.append(QLatin1String(",\n"));
+        }
+        appendIndent(out, level + 1);
+        writeEntry(i);
+    }
+    if (count > 0) {
+        out.append(QLatin1Char('\n'));
+    }
+    appendIndent(out, level);
+    out.append(close);
+}
+
+void writeObject(QString& out, const QJsonObject& object, int level) {
     QStringList keys;
     if (isGrid(object)) {
         keys = kLayoutKeys;
@@ -48,22 +79,40 @@ QStringList objectLines(const QJsonObject& object, int level) {
         keys = object.keys();
         std::sort(keys.begin(), keys.end(), codePointLess);
     }
-    QStringList lines;
-    lines.reserve(keys.size());
-    for (const QString& key : keys) {
-        lines.append(indent(level) + jsonString(key) + QLatin1String(" : ") +
-                     writeValue(object.value(key), level));
-    }
-    return lines;
+    writeContainer(out, QLatin1Char('{'), QLatin1Char('}'), level, keys.size(), [&](qsizetype i) {
+        appendJsonString(out, keys.at(i));
+        out.append(QLatin1String(" : "));
+        writeTo(out, object.value(keys.at(i)), level + 1);
+    });
 }
 
-QStringList arrayLines(const QJsonArray& array, int level) {
-    QStringList lines;
-    lines.reserve(array.size());
-    for (const QJsonValue& element : array) {
-        lines.append(indent(level) + writeValue(element, level));
+void writeArray(QString& out, const QJsonArray& array, int level) {
+    writeContainer(out, QLatin1Char('['), QLatin1Char(']'), level, array.size(),
+                   [&](qsizetype i) { writeTo(out, array.at(i), level + 1); });
+}
+
+void writeTo(QString& out, const QJsonValue& value, int level) {
+    switch (value.type()) {
+    case QJsonValue::Object:
+        writeObject(out, value.toObject(), level);
+        return;
+    case QJsonValue::Array:
+        writeArray(out, value.toArray(), level);
+        return;
+    case QJsonValue::String:
+        appendJsonString(out, value.toString());
+        return;
+    case QJsonValue::Double:
+        out.append(writeNumber(value.toDouble()));
+        return;
+    case QJsonValue::Bool:
+        out.append(value.toBool() ? QLatin1String("true") : QLatin1String("false"));
+        return;
+    case QJsonValue::Null:
+    case QJsonValue::Undefined:
+        break;
     }
-    return lines;
+    out.append(QLatin1String("null"));
 }
 
 } // namespace
@@ -71,43 +120,62 @@ QStringList arrayLines(const QJsonArray& array, int level) {
 QString jsonString(const QString& text) {
     QString out;
     out.reserve(text.size() + 2);
+    appendJsonString(out, text);
+    return out;
+}
+
+void appendJsonString(QString& out, const QString& text) {
     out.append(QLatin1Char('"'));
-    for (const QChar c : text) {
-        switch (c.unicode()) {
-        case '"':
+    // Runs of characters that need no escape are copied whole.
+    qsizetype runStart = 0;
+    const auto flush = [&](qsizetype end) {
+        out.append(QStringView(text).mid(runStart, end - runStart));
+        runStart = end + 1;
+    };
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text.at(i).unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() &&
+            QChar::isLowSurrogate(text.at(i + 1).unicode())) {
+            ++i; // a character beyond the Basic Multilingual Plane, written as it is
+            continue;
+        }
+        if (c >= 0x20 && c != u'"' && c != u'\\' && c != u'/' && !QChar::isSurrogate(c)) {
+            continue;
+        }
+        flush(i);
+        switch (c) {
+        case u'"':
             out.append(QLatin1String("\\\""));
             break;
-        case '\\':
+        case u'\\':
             out.append(QLatin1String("\\\\"));
             break;
-        case '/':
+        case u'/':
             out.append(QLatin1String("\\/"));
             break;
-        case '\b':
+        case u'\b':
             out.append(QLatin1String("\\b"));
             break;
-        case '\f':
+        case u'\f':
             out.append(QLatin1String("\\f"));
             break;
-        case '\n':
+        case u'\n':
             out.append(QLatin1String("\\n"));
             break;
-        case '\r':
+        case u'\r':
             out.append(QLatin1String("\\r"));
             break;
-        case '\t':
+        case u'\t':
             out.append(QLatin1String("\\t"));
             break;
         default:
-            if (c.unicode() < 0x20) {
-                out.append(QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0')));
-            } else {
-                out.append(c);
-            }
+            // Control characters, and surrogates without their other half, which UTF-8 cannot
+            // carry: escaped, they read back as they were.
+            out.append(QStringLiteral("\\u%1").arg(int(c), 4, 16, QLatin1Char('0')));
         }
     }
+    flush(text.size());
     out.append(QLatin1Char('"'));
-    return out;
 }
 
 QString writeNumber(double value) {
@@ -129,24 +197,9 @@ QString writeNumber(double value) {
 }
 
 QString writeValue(const QJsonValue& value, int level) {
-    switch (value.type()) {
-    case QJsonValue::Object:
-        return container(objectLines(value.toObject(), level + 1), QLatin1Char('{'),
-                         QLatin1Char('}'), level);
-    case QJsonValue::Array:
-        return container(arrayLines(value.toArray(), level + 1), QLatin1Char('['), QLatin1Char(']'),
-                         level);
-    case QJsonValue::String:
-        return jsonString(value.toString());
-    case QJsonValue::Double:
-        return writeNumber(value.toDouble());
-    case QJsonValue::Bool:
-        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    case QJsonValue::Null:
-    case QJsonValue::Undefined:
-        break;
-    }
-    return QStringLiteral("null");
+    QString out;
+    writeTo(out, value, level);
+    return out;
 }
 
 } // namespace paneforge::PrettyJSON

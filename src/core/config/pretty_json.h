@@ -13,9 +13,11 @@ namespace PrettyJSON {
 
 QString writeValue(const QJsonValue& value, int level = 0);
 
-// A string as a JSON literal: quotes, backslashes and control characters escaped, and the
-// solidus written as "\/".
+// A string as a JSON literal: quotes, backslashes, control characters and unpaired surrogates
+// escaped, and the solidus written as "\/".
 QString jsonString(const QString& text);
+// The same, appended to `out`.
+void appendJsonString(QString& out, const QString& text);
 
 // A number as a JSON literal: whole values without a fraction ("8"), others in their shortest
 // round-trip form ("0.5", "0.010000000000000009").

@@ -2,15 +2,21 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace paneforge {
 
 namespace {
+// "%.1f" as printf writes it in the C locale, whatever the process locale says: the log is read by
+// tools, so the decimal separator is always a point. A double's fixed form needs at most 309
+// digits before the point.
 QString oneDecimal(double value) {
-    char buffer[64];
-    const int length = std::snprintf(buffer, sizeof buffer, "%.1f", value);
-    return QString::fromLatin1(buffer, length);
+    char buffer[328];
+    const auto result =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 1);
+    if (result.ec != std::errc()) {
+        return QStringLiteral("nan");
+    }
+    return QString::fromLatin1(buffer, static_cast<qsizetype>(result.ptr - buffer));
 }
 
 QString boolText(bool value) {

@@ -8,7 +8,8 @@
 
 namespace paneforge {
 
-// The fixed textual forms of the diagnostic log.
+// The fixed textual forms of the diagnostic log. Tools read the log, so the forms never follow the
+// process locale: the decimal separator is always a point.
 namespace SnapDiagnosticFormatter {
 // "(%.1f,%.1f)"
 QString formatPoint(DesktopPoint point);

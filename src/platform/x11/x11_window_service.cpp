@@ -5,8 +5,10 @@
 #include "platform/x11/x11_desktop_space.h"
 
 #include <QPoint>
+#include <QRect>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace paneforge {
 
@@ -30,6 +32,97 @@ constexpr std::uint32_t kHasX = 1u << 8, kHasY = 1u << 9, kHasWidth = 1u << 10,
 constexpr std::uint32_t kSourceTool = 2u << 12;
 
 constexpr std::uint32_t kStateRemove = 0;
+
+// An 8-bit text property as it was set, with its type; none when the window has no such property.
+struct TextProperty {
+    xcb_atom_t type;
+    QByteArray bytes;
+};
+
+std::optional<TextProperty> textProperty(X11Connection& x, xcb_window_t window, const char* name) {
+    // Any type: asking for one type gets an empty reply when the property has another.
+    auto reply = owned(xcb_get_property_reply(
+        x.raw(), xcb_get_property(x.raw(), 0, window, x.atom(name), XCB_ATOM_ANY, 0, 1 << 14),
+        nullptr));
+    if (!reply || reply->type == XCB_ATOM_NONE || reply->format != 8) {
+        return std::nullopt;
+    }
+    return TextProperty{reply->type,
+                        QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                                   xcb_get_property_value_length(reply.get()))};
+}
+
+// COMPOUND_TEXT starts out as ISO 8859-1 and switches character sets with escape sequences; the
+// sequences are dropped and the rest read as Latin-1, which is exact for the common case of a
+// title without them.
+QString fromCompoundText(const QByteArray& bytes) {
+    QByteArray text;
+    text.reserve(bytes.size());
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        const auto c = static_cast<unsigned char>(bytes.at(i));
+        if (c == 0x1b) {
+            while (i + 1 < bytes.size() && static_cast<unsigned char>(bytes.at(i + 1)) >= 0x20 &&
+                   static_cast<unsigned char>(bytes.at(i + 1)) <= 0x2f) {
+                ++i;
+            }
+            ++i; // the final byte
+            continue;
+        }
+        text.append(static_cast<char>(c));
+    }
+    return QString::fromLatin1(text);
+}
+
+// The title a user sees: _NET_WM_NAME (always UTF-8) when set, else WM_NAME in whatever type its
+// client chose; many older clients (xterm, xlogo) set only WM_NAME, as a STRING.
+std::optional<QString> windowTitle(X11Connection& x, xcb_window_t window) {
+    const auto modern = textProperty(x, window, "_NET_WM_NAME");
+    if (modern && modern->type == x.atom("UTF8_STRING") && !modern->bytes.isEmpty()) {
+        return QString::fromUtf8(modern->bytes);
+    }
+    const auto legacy = textProperty(x, window, "WM_NAME");
+    if (!legacy || legacy->bytes.isEmpty()) {
+        return std::nullopt;
+    }
+    if (legacy->type == x.atom("UTF8_STRING")) {
+        return QString::fromUtf8(legacy->bytes);
+    }
+    if (legacy->type == x.atom("COMPOUND_TEXT")) {
+        return fromCompoundText(legacy->bytes);
+    }
+    return QString::fromLatin1(legacy->bytes); // STRING, or an unknown type read the same way
+}
+
+// The outer frame in whole root pixels that a window may be given, for a requested one in root
+// coordinates: none when it is not finite, smaller than a pixel or entirely off the desktop; an
+// axis longer than the desktop's is cut to the desktop. A frame only partly off the desktop stays
+// as it is (a window the user had left half off screen goes back exactly there).
+std::optional<QRect> pixelFrame(const QRectF& requested, const QRect& desktop) {
+    const QRectF r = requested.normalized();
+    if (!(qIsFinite(r.x()) && qIsFinite(r.y()) && qIsFinite(r.width()) && qIsFinite(r.height()))) {
+        return std::nullopt;
+    }
+    const auto axis = [](double start, double length, int desktopStart,
+                         int desktopLength) -> std::optional<std::pair<int, int>> {
+        if (length > desktopLength) {
+            start = std::max<double>(start, desktopStart);
+            length = std::min<double>(start + length, double(desktopStart) + desktopLength) - start;
+        }
+        const double end = start + length;
+        if (std::lround(length) < 1 || end <= desktopStart ||
+            start >= desktopStart + desktopLength) {
+            return std::nullopt;
+        }
+        return std::pair(static_cast<int>(std::lround(start)),
+                         static_cast<int>(std::lround(length)));
+    };
+    const auto x = axis(r.x(), r.width(), desktop.x(), desktop.width());
+    const auto y = axis(r.y(), r.height(), desktop.y(), desktop.height());
+    if (!x || !y) {
+        return std::nullopt;
+    }
+    return QRect(x->first, y->first, x->second, y->second);
+}
 
 } // namespace
 
@@ -208,17 +301,27 @@ void X11WindowService::setFrame(const WindowRef& window, const DesktopRect& fram
     if (!x_.isValid() || client == XCB_NONE) {
         return;
     }
-    const QRectF root = X11DesktopSpace::toRoot(frame);
+    const auto outer =
+        pixelFrame(X11DesktopSpace::toRoot(frame), QRect(0, 0, x_.rootWidth(), x_.rootHeight()));
+    if (!outer) {
+        if (log_) {
+            log_(QStringLiteral("X11WindowService.setFrame refused requested=") +
+                 SnapDiagnosticFormatter::formatRect(frame) + QLatin1Char(' ') +
+                 describeWindow(window));
+        }
+        return;
+    }
     const Extents e = frameExtents(client);
-    const QPoint origin(static_cast<int>(std::lround(root.x())),
-                        static_cast<int>(std::lround(root.y())));
-    const int width = std::max(1, static_cast<int>(std::lround(root.width())) - e.left - e.right);
-    const int height = std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom);
+    const QPoint origin = outer->topLeft();
+    const int width = std::max(1, outer->width() - e.left - e.right);
+    const int height = std::max(1, outer->height() - e.top - e.bottom);
     unmaximize(client);
     requestOuterFrame(client, origin.x(), origin.y(), width, height, false);
-    // The window manager acts asynchronously: look where the window went a moment later.
+    // The window manager acts asynchronously: look where the window went a moment later,
+    // against what was asked of it.
+    const DesktopRect requested = X11DesktopSpace::toDesktop(QRectF(*outer));
     scheduler_.postAfter(verifyDelay,
-                         [this, window, frame, origin] { verify(window, frame, origin); });
+                         [this, window, requested, origin] { verify(window, requested, origin); });
 }
 
 void X11WindowService::verify(const WindowRef& window, const DesktopRect& requested,
@@ -274,10 +377,7 @@ QString X11WindowService::describeWindow(const WindowRef& window) {
         subrole =
             x_.atomName(types.front()).remove(QStringLiteral("_NET_WM_WINDOW_TYPE_")).toLower();
     }
-    auto title = x_.utf8Property(client, "_NET_WM_NAME");
-    if (!title) {
-        title = x_.utf8Property(client, "WM_NAME");
-    }
+    const auto title = windowTitle(x_, client);
     const auto outer = frame(window);
     return QStringLiteral("pid=") +
            (pid.empty() ? QStringLiteral("nil") : QString::number(pid.front())) +
