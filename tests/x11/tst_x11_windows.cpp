@@ -49,7 +49,7 @@ private Q_SLOTS:
         // A point on the title bar (top edge, y up) still names the client.
         const DesktopPoint titleBar{frame->midX(), frame->maxY() - 3};
         QCOMPARE(X11WindowService::clientOf(windows_.windowUnderPoint(titleBar)), logo_);
-        QCOMPARE(windows_.role(window), std::optional<QString>("AXWindow"));
+        QVERIFY(windows_.isStandardWindow(window));
         QVERIFY(windows_.describeWindow(window).contains("cocoaFrame=("));
         QVERIFY(!windows_.windowUnderPoint({5000, 5000}));
     }
@@ -85,6 +85,17 @@ private Q_SLOTS:
         scheduler_.advance(X11WindowService::verifyDelay);
         QVERIFY(log_.last().startsWith("X11WindowService.setFrame requested="));
         QVERIFY(log_.last().contains("retried=false"));
+    }
+
+    void aCheckQueuedForAServiceThatIsGoneDoesNothing() {
+        ManualScheduler scheduler;
+        QStringList log;
+        auto windows = std::make_unique<X11WindowService>(connection_, scheduler,
+                                                          [&](const QString& l) { log << l; });
+        windows->setFrame(X11WindowService::wrap(logo_), DesktopRect(100, 150, 640, 480));
+        windows.reset();
+        scheduler.advance(X11WindowService::verifyDelay);
+        QVERIFY(log.isEmpty());
     }
 
     void focusedWindowFollowsActivation() {
