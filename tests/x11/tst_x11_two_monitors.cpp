@@ -9,11 +9,13 @@
 #include <QScreen>
 #include <QTest>
 #include <cmath>
+#include <xcb/randr.h>
 
 using namespace paneforge;
 
 // Two monitors side by side (the Xvfb screen split with xrandr): moving a window to the next
-// display, and dock struts that shrink only the monitor they touch.
+// display, dock struts that shrink only the monitor they touch, and visible frames that follow
+// docks and monitors as they change.
 class X11TwoMonitorsTest : public QObject {
     Q_OBJECT
 
@@ -88,6 +90,7 @@ private Q_SLOTS:
                                   "--SetDockType", "true", "--SetPartialStrut", "true"},
                                  &error);
         QVERIFY2(panel, qPrintable(error));
+        QVERIFY(!windows_.isStandardWindow(X11WindowService::wrap(*panel)));
         QVERIFY(X11TestSession::waitUntil(
             [&] { return displays_.getVisibleFrame(left_)->height() == 1050; }));
         QCOMPARE(*displays_.getVisibleFrame(left_), DesktopRect(0, 0, 960, 1050));
@@ -95,6 +98,36 @@ private Q_SLOTS:
         // The window manager's single work area spans both monitors and would wrongly shrink the
         // right one too.
         QCOMPARE(session_.rootCardinals("_NET_WORKAREA").at(1), 30u);
+
+        // The dock grows: its new strut is seen although the frames were kept.
+        QVERIFY(session_.run("xprop",
+                             {"-id", QString::number(*panel), "-f", "_NET_WM_STRUT_PARTIAL", "32c",
+                              "-set", "_NET_WM_STRUT_PARTIAL", "0,0,60,0,0,0,0,0,0,199,0,0"}));
+        QVERIFY(X11TestSession::waitUntil(
+            [&] { return displays_.getVisibleFrame(left_)->height() == 1020; }));
+    }
+
+    void anotherMonitorOnTheOutputIsSeen() {
+        const DisplayIdentifier before = displays_.getIdentifier(left_);
+        QVERIFY(!before.serialNumber()); // Xvfb's output has no EDID
+        // A monitor with an EDID takes the left monitor's output: RandR reports the new block.
+        xcb_connection_t* c = connection_.raw();
+        auto resources = xcb_randr_get_screen_resources_current_reply(
+            c, xcb_randr_get_screen_resources_current(c, connection_.root()), nullptr);
+        QVERIFY(resources);
+        const xcb_randr_output_t output =
+            xcb_randr_get_screen_resources_current_outputs(resources)[0];
+        std::free(resources);
+        QByteArray edid(128, '\0');
+        edid.replace(0, 12, QByteArray("\x00\xff\xff\xff\xff\xff\xff\x00\x10\xac\x34\x41", 12));
+        edid[12] = char(0x40); // serial 0xE240 = 57920
+        edid[13] = char(0xE2);
+        xcb_randr_change_output_property(c, output, connection_.atom("EDID"), XCB_ATOM_INTEGER, 8,
+                                         XCB_PROP_MODE_REPLACE, 128, edid.constData());
+        connection_.flush();
+        QVERIFY(X11TestSession::waitUntil([&] {
+            return displays_.getIdentifier(left_) == DisplayIdentifier(0x10AC, 0x4134, 57920);
+        }));
     }
 
 private:
