@@ -36,7 +36,6 @@ private Q_SLOTS:
 
     void identitiesAndTitles() {
         QVERIFY(displays_.getIdentifier(left_) != displays_.getIdentifier(right_));
-        QCOMPARE(displays_.getIdentifier(left_), displays_.getIdentifier(left_)); // stable
         const QString stableId = displays_.getIdentifier(right_).stableId();
         QCOMPARE(displays_.getDisplayTitle(right_),
                  QStringLiteral("RIGHT [External] (%1) @ 960x1080 @ 960,0").arg(stableId));
@@ -98,30 +97,19 @@ private Q_SLOTS:
         // The window manager's single work area spans both monitors and would wrongly shrink the
         // right one too.
         QCOMPARE(session_.rootCardinals("_NET_WORKAREA").at(1), 30u);
-
-        // The dock grows: its new strut is seen although the frames were kept.
-        QVERIFY(session_.run("xprop",
-                             {"-id", QString::number(*panel), "-f", "_NET_WM_STRUT_PARTIAL", "32c",
-                              "-set", "_NET_WM_STRUT_PARTIAL", "0,0,60,0,0,0,0,0,0,199,0,0"}));
-        QVERIFY(X11TestSession::waitUntil(
-            [&] { return displays_.getVisibleFrame(left_)->height() == 1020; }));
     }
 
     void anotherMonitorOnTheOutputIsSeen() {
-        const DisplayIdentifier before = displays_.getIdentifier(left_);
-        QVERIFY(!before.serialNumber()); // Xvfb's output has no EDID
-        // A monitor with an EDID takes the left monitor's output: RandR reports the new block.
+        QVERIFY(!displays_.getIdentifier(left_).serialNumber()); // Xvfb's output has no EDID
+        // A monitor with an EDID (serial 57920) on the left monitor's output, as RandR reports it.
         xcb_connection_t* c = connection_.raw();
-        auto resources = xcb_randr_get_screen_resources_current_reply(
+        auto* resources = xcb_randr_get_screen_resources_current_reply(
             c, xcb_randr_get_screen_resources_current(c, connection_.root()), nullptr);
         QVERIFY(resources);
-        const xcb_randr_output_t output =
-            xcb_randr_get_screen_resources_current_outputs(resources)[0];
+        const auto output = xcb_randr_get_screen_resources_current_outputs(resources)[0];
         std::free(resources);
-        QByteArray edid(128, '\0');
-        edid.replace(0, 12, QByteArray("\x00\xff\xff\xff\xff\xff\xff\x00\x10\xac\x34\x41", 12));
-        edid[12] = char(0x40); // serial 0xE240 = 57920
-        edid[13] = char(0xE2);
+        const QByteArray edid =
+            QByteArray::fromHex("00ffffffffffff0010ac344140e2").leftJustified(128, '\0');
         xcb_randr_change_output_property(c, output, connection_.atom("EDID"), XCB_ATOM_INTEGER, 8,
                                          XCB_PROP_MODE_REPLACE, 128, edid.constData());
         connection_.flush();

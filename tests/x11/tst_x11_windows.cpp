@@ -87,17 +87,6 @@ private Q_SLOTS:
         QVERIFY(log_.last().contains("retried=false"));
     }
 
-    void aCheckQueuedForAServiceThatIsGoneDoesNothing() {
-        ManualScheduler scheduler;
-        QStringList log;
-        auto windows = std::make_unique<X11WindowService>(connection_, scheduler,
-                                                          [&](const QString& l) { log << l; });
-        windows->setFrame(X11WindowService::wrap(logo_), DesktopRect(100, 150, 640, 480));
-        windows.reset();
-        scheduler.advance(X11WindowService::verifyDelay);
-        QVERIFY(log.isEmpty());
-    }
-
     void focusedWindowFollowsActivation() {
         QVERIFY(session_.run("xdotool", {"windowactivate", "--sync", QString::number(term_)}));
         QVERIFY(X11TestSession::waitUntil(
