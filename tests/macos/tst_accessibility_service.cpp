@@ -226,7 +226,7 @@ private Q_SLOTS:
         QCOMPARE(std::get<bool>(app->attributes["AXEnhancedUserInterface"]), after);
     }
 
-    void trustAndDescriptions() {
+    void trustDescriptionsAndRoles() {
         FakeAccessibility api;
         AccessibilityService service(api, [](const QString&) {});
         QVERIFY(!service.isTrusted());
@@ -245,6 +245,10 @@ private Q_SLOTS:
         QCOMPARE(service.describeWindow(bare),
                  QStringLiteral("pid=nil role=nil subrole=nil title=nil cocoaFrame=nil"));
         QCOMPARE(*service.frame(w), DesktopRect(10, 860, 300, 200));
+        // Only the window role makes a standard window; a sheet or an unreadable role does not.
+        QVERIFY(service.isStandardWindow(w));
+        QVERIFY(!service.isStandardWindow(element("AXSheet")));
+        QVERIFY(!service.isStandardWindow(bare));
     }
 };
 

@@ -87,7 +87,7 @@ private Q_SLOTS:
         QCOMPARE(listed.size(), size_t(3));
         QCOMPARE(listed[0].name, QStringLiteral("Built-in Retina Display"));
         QCOMPARE(listed[0].scale, 2.0);
-        QCOMPARE(listed[0].quartzBounds, DesktopRect(0, 0, 1440, 900));
+        QCOMPARE(listed[0].topLeftBounds, DesktopRect(0, 0, 1440, 900));
         QVERIFY(!listed[1].displayId);
     }
 

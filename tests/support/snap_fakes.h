@@ -32,7 +32,7 @@ public:
         info.displayId = id;
         info.frame = frame;
         info.visibleFrame = visibleFrame;
-        info.quartzBounds = frame;
+        info.topLeftBounds = frame;
         screenList.push_back(info);
     }
     // The stable id the desk reports for a display number.
@@ -86,13 +86,12 @@ public:
 };
 
 struct Window final : WindowElement {
-    Window(int id, DesktopRect frame, QString role = QStringLiteral("AXWindow"))
+    Window(int id, DesktopRect frame)
         : id(id)
-        , frame(frame)
-        , role(std::move(role)) {}
+        , frame(frame) {}
     int id;
     DesktopRect frame;
-    QString role;
+    bool standard = true;
 };
 
 // Windows stacked front to back; setFrame moves them at once and is recorded.
@@ -125,8 +124,8 @@ public:
     std::optional<DesktopRect> frame(const WindowRef& window) override {
         return window ? std::optional(as(window).frame) : std::nullopt;
     }
-    std::optional<QString> role(const WindowRef& window) override {
-        return window ? std::optional(as(window).role) : std::nullopt;
+    bool isStandardWindow(const WindowRef& window) override {
+        return window && as(window).standard;
     }
     void setFrame(const WindowRef& window, const DesktopRect& frame) override {
         auto& target = const_cast<Window&>(as(window));

@@ -9,11 +9,13 @@
 #include <QScreen>
 #include <QTest>
 #include <cmath>
+#include <xcb/randr.h>
 
 using namespace paneforge;
 
 // Two monitors side by side (the Xvfb screen split with xrandr): moving a window to the next
-// display, and dock struts that shrink only the monitor they touch.
+// display, dock struts that shrink only the monitor they touch, and visible frames that follow
+// docks and monitors as they change.
 class X11TwoMonitorsTest : public QObject {
     Q_OBJECT
 
@@ -34,7 +36,6 @@ private Q_SLOTS:
 
     void identitiesAndTitles() {
         QVERIFY(displays_.getIdentifier(left_) != displays_.getIdentifier(right_));
-        QCOMPARE(displays_.getIdentifier(left_), displays_.getIdentifier(left_)); // stable
         const QString stableId = displays_.getIdentifier(right_).stableId();
         QCOMPARE(displays_.getDisplayTitle(right_),
                  QStringLiteral("RIGHT [External] (%1) @ 960x1080 @ 960,0").arg(stableId));
@@ -88,6 +89,7 @@ private Q_SLOTS:
                                   "--SetDockType", "true", "--SetPartialStrut", "true"},
                                  &error);
         QVERIFY2(panel, qPrintable(error));
+        QVERIFY(!windows_.isStandardWindow(X11WindowService::wrap(*panel)));
         QVERIFY(X11TestSession::waitUntil(
             [&] { return displays_.getVisibleFrame(left_)->height() == 1050; }));
         QCOMPARE(*displays_.getVisibleFrame(left_), DesktopRect(0, 0, 960, 1050));
@@ -95,6 +97,25 @@ private Q_SLOTS:
         // The window manager's single work area spans both monitors and would wrongly shrink the
         // right one too.
         QCOMPARE(session_.rootCardinals("_NET_WORKAREA").at(1), 30u);
+    }
+
+    void anotherMonitorOnTheOutputIsSeen() {
+        QVERIFY(!displays_.getIdentifier(left_).serialNumber()); // Xvfb's output has no EDID
+        // A monitor with an EDID (serial 57920) on the left monitor's output, as RandR reports it.
+        xcb_connection_t* c = connection_.raw();
+        auto* resources = xcb_randr_get_screen_resources_current_reply(
+            c, xcb_randr_get_screen_resources_current(c, connection_.root()), nullptr);
+        QVERIFY(resources);
+        const auto output = xcb_randr_get_screen_resources_current_outputs(resources)[0];
+        std::free(resources);
+        const QByteArray edid =
+            QByteArray::fromHex("00ffffffffffff0010ac344140e2").leftJustified(128, '\0');
+        xcb_randr_change_output_property(c, output, connection_.atom("EDID"), XCB_ATOM_INTEGER, 8,
+                                         XCB_PROP_MODE_REPLACE, 128, edid.constData());
+        connection_.flush();
+        QVERIFY(X11TestSession::waitUntil([&] {
+            return displays_.getIdentifier(left_) == DisplayIdentifier(0x10AC, 0x4134, 57920);
+        }));
     }
 
 private:

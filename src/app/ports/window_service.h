@@ -29,7 +29,9 @@ public:
     virtual WindowRef windowUnderPoint(DesktopPoint point) = 0;
     virtual WindowRef focusedWindow() = 0;
     virtual std::optional<DesktopRect> frame(const WindowRef& window) = 0;
-    virtual std::optional<QString> role(const WindowRef& window) = 0;
+    // A standard window a user arranges: not a panel, dock, desktop, menu or the like. Each
+    // platform decides from what it knows; an unreadable window is not one.
+    virtual bool isStandardWindow(const WindowRef& window) = 0;
     // Moves and resizes the window's outer frame; the outcome is only logged.
     virtual void setFrame(const WindowRef& window, const DesktopRect& frame) = 0;
     // "pid=... role=... subrole=... title=... cocoaFrame=..." for the log.

@@ -23,7 +23,7 @@ void ScreenDiagnostics::logEachScreen() const {
         const ScreenInfo& s = screens[i];
         log_(SnapDiagnosticFormatter::formatScreen(static_cast<int>(i), s.name,
                                                    s.displayId.value_or(0), i == 0, s.scale,
-                                                   s.frame, s.visibleFrame, s.quartzBounds));
+                                                   s.frame, s.visibleFrame, s.topLeftBounds));
     }
 }
 

@@ -15,9 +15,9 @@ struct ScreenInfo {
     QString name;
     std::optional<std::uint32_t> displayId;
     double scale = 1.0;
-    DesktopRect frame;        // desktop space
-    DesktopRect visibleFrame; // desktop space, without docks, panels and menu bar
-    DesktopRect quartzBounds; // top-left based bounds as the window system reports them
+    DesktopRect frame;         // desktop space
+    DesktopRect visibleFrame;  // desktop space, without docks, panels and menu bar
+    DesktopRect topLeftBounds; // the window system's own bounds, origin top-left, y down
 };
 
 // Lists the attached screens; implemented by the native display layers, faked in tests.

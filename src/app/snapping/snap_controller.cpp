@@ -25,8 +25,7 @@ SnapController::SnapController(SnapControllerServices services)
     , defaults_(PaneforgeConfig::makeDefault())
     , screenDiagnostics_(services_.screens, services_.log)
     , gridCalculator_(GridSplitNormalizer(kSplitEpsilon))
-    , cellFrameCalculator_(coordinateTransformer_)
-    , self_(std::make_shared<SnapController*>(this)) {}
+    , cellFrameCalculator_(coordinateTransformer_) {}
 
 SnapController::~SnapController() = default;
 
@@ -70,13 +69,9 @@ void SnapController::start() {
 }
 
 void SnapController::armEventTap() {
-    std::weak_ptr<SnapController*> weak = self_;
     EventTapManager& tap = services_.eventTapManager;
-    tap.setHandler([weak](const InputEvent& event) {
-        if (const auto self = weak.lock()) {
-            (*self)->handleEvent(event);
-        }
-    });
+    tap.setHandler(guard_.wrap(
+        [](SnapController& self, const InputEvent& event) { self.handleEvent(event); }));
     tap.arm();
 }
 
@@ -144,17 +139,19 @@ void SnapController::updateOverlayState(DesktopPoint point, const InputEvent& ev
         services_.log(QStringLiteral("SnapController.updateOverlayState match modifiers=") +
                       QString::number(modifiers) + QStringLiteral(" mode=") +
                       modeName(modifiers, config));
-        const auto visibleFrame = getVisibleFrame(point);
-        if (!visibleFrame) {
+        const auto screen = screenDiagnostics_.screen(point);
+        if (!screen) {
             services_.log(QStringLiteral("SnapController.showOverlay visibleFrame=nil point=") +
                           SnapDiagnosticFormatter::formatPoint(point));
             return;
         }
-        ensureActiveWindow();
-        ensureOverlay(*visibleFrame);
+        ensureActiveWindow(point);
+        ensureOverlay(screen->visibleFrame);
         isOverlayActive_ = true;
-        updateSelection(point, modifiers, loaded);
-        updateOverlay(config, *visibleFrame, point);
+        const GridDefinition grid = resolveGrid(config, *screen);
+        if (!updateSelection(point, *screen, grid, modifiers, loaded)) {
+            updateOverlay(config, screen->visibleFrame, grid);
+        }
         return;
     }
 
@@ -182,63 +179,48 @@ void SnapController::handleMouseDragged(const InputEvent& event) {
                       modeName(modifiers, config));
         hasLoggedSnapDrag_ = true;
     }
-    updateSelection(services_.displayFrameService.pointerLocation(), modifiers, loaded);
+    // Without a configuration the selection stays as it is: no defaults there.
+    if (!loaded) {
+        return;
+    }
+    const DesktopPoint point = services_.displayFrameService.pointerLocation();
+    if (const auto screen = screenDiagnostics_.screen(point)) {
+        updateSelection(point, *screen, resolveGrid(*loaded, *screen), modifiers, loaded);
+    }
 }
 
-void SnapController::ensureActiveWindow() {
+void SnapController::ensureActiveWindow(DesktopPoint point) {
     if (activeWindow_) {
         return;
     }
-    activeWindow_ =
-        services_.windowService.windowUnderPoint(services_.displayFrameService.pointerLocation());
+    activeWindow_ = services_.windowService.windowUnderPoint(point);
     originalWindowFrame_ =
         activeWindow_ ? services_.windowService.frame(activeWindow_) : std::nullopt;
 }
 
-std::optional<DesktopRect> SnapController::getVisibleFrame(DesktopPoint point) const {
-    if (const auto screen = screenDiagnostics_.screen(point)) {
-        return screen->visibleFrame;
-    }
-    return std::nullopt;
-}
-
-std::optional<DisplayId> SnapController::getDisplayId(DesktopPoint point) const {
-    if (const auto screen = screenDiagnostics_.screen(point)) {
-        return ScreenDiagnostics::displayId(*screen);
-    }
-    return std::nullopt;
-}
-
 GridDefinition SnapController::resolveGrid(const PaneforgeConfig& config,
-                                           DesktopPoint point) const {
-    if (const auto displayId = getDisplayId(point)) {
-        const QString stableId = services_.displayService.getIdentifier(*displayId).stableId();
-        const auto entry = config.displays().find(stableId);
-        if (entry != config.displays().end()) {
-            if (auto layout = entry->second.activeLayout()) {
-                return std::move(*layout);
-            }
-        }
+                                           const ScreenInfo& screen) const {
+    if (const auto displayId = ScreenDiagnostics::displayId(screen)) {
+        return layouts_.getActiveLayoutOrDefault(
+            config, services_.displayService.getIdentifier(*displayId).stableId());
     }
     return config.defaultLayout();
 }
 
-void SnapController::updateSelection(DesktopPoint point, std::uint32_t modifiers,
+bool SnapController::updateSelection(DesktopPoint point, const ScreenInfo& screen,
+                                     const GridDefinition& grid, std::uint32_t modifiers,
                                      const std::optional<PaneforgeConfig>& config) {
     // Without a configuration nothing changes: no defaults here.
     if (!config) {
-        return;
+        return false;
     }
-    const auto visibleFrame = getVisibleFrame(point);
-    if (!visibleFrame) {
-        return;
-    }
+    const DesktopRect& visibleFrame = screen.visibleFrame;
     // The overlay follows the pointer from display to display.
-    ensureOverlay(*visibleFrame);
-    activeGrid_ = resolveGrid(*config, point);
-    activeCells_ = gridCalculator_.getCells(*activeGrid_);
+    ensureOverlay(visibleFrame);
+    activeGrid_ = grid;
+    activeCells_ = gridCalculator_.getCells(grid);
 
-    if (const auto normalized = coordinateTransformer_.toNormalizedPoint(point, *visibleFrame)) {
+    if (const auto normalized = coordinateTransformer_.toNormalizedPoint(point, visibleFrame)) {
         if (const auto cell = gridHitTester_.getCell(activeCells_, *normalized)) {
             // Single snap replaces the choice; multi snap only ever adds to it.
             if (modifiers != resolvedMultiSnapModifiers(*config)) {
@@ -247,7 +229,8 @@ void SnapController::updateSelection(DesktopPoint point, std::uint32_t modifiers
             selectionState_.add(*cell);
         }
     }
-    updateOverlay(*config, *visibleFrame, point);
+    updateOverlay(*config, visibleFrame, grid);
+    return true;
 }
 
 void SnapController::ensureOverlay(const DesktopRect& visibleFrame) {
@@ -264,8 +247,7 @@ void SnapController::ensureOverlay(const DesktopRect& visibleFrame) {
 }
 
 void SnapController::updateOverlay(const PaneforgeConfig& config, const DesktopRect& visibleFrame,
-                                   DesktopPoint point) {
-    const GridDefinition grid = resolveGrid(config, point);
+                                   const GridDefinition& grid) {
     const CellFrames frames =
         cellFrameCalculator_.getCellFrames(activeCells_, visibleFrame, config.cellMarginPoints());
     QList<DesktopRect> selectionFrames;
@@ -282,43 +264,63 @@ void SnapController::updateOverlay(const PaneforgeConfig& config, const DesktopR
 }
 
 void SnapController::snapAndHide(DesktopPoint point) {
+    bool moved = false;
     if (const WindowRef window = windowForSnap(point)) {
         if (const auto config = loadConfig()) {
-            applySnap(window, *config, point);
+            moved = applySnap(window, *config, point, screenDiagnostics_.screen(point));
         } else {
             services_.log(QStringLiteral("SnapController.snapAndHide config=nil"));
         }
     }
-    hideOverlay();
+    if (moved) {
+        // Taking a full-screen window off the screen makes the window system redraw everything
+        // under it; done while the window manager places the snapped window, that holds the move
+        // up by milliseconds. So the zones stay a moment longer, unless a new snap has taken them
+        // over by then.
+        services_.scheduler.postAfter(overlayHideDelay, guard_.wrap([](SnapController& self) {
+            if (!self.isOverlayActive_) {
+                self.hideOverlay();
+            }
+        }));
+    } else {
+        hideOverlay();
+    }
     isOverlayActive_ = false;
     selectionState_.clear();
 }
 
 WindowRef SnapController::windowForSnap(DesktopPoint point) {
-    ensureActiveWindow();
-    if (activeWindow_ &&
-        services_.windowService.role(activeWindow_) == QStringLiteral("AXWindow")) {
+    ensureActiveWindow(point);
+    WindowService& windows = services_.windowService;
+    if (activeWindow_ && windows.isStandardWindow(activeWindow_)) {
         return activeWindow_;
     }
-    WindowRef window = services_.windowService.windowUnderPoint(point);
+    WindowRef window = windows.windowUnderPoint(point);
     if (!window) {
         services_.log(QStringLiteral("SnapController.snapAndHide window=nil point=") +
                       SnapDiagnosticFormatter::formatPoint(point));
+        return nullptr;
+    }
+    // Panels, docks and the desktop keep their place.
+    if (!windows.isStandardWindow(window)) {
+        services_.log(QStringLiteral("SnapController.snapAndHide notStandardWindow ") +
+                      windows.describeWindow(window));
+        return nullptr;
     }
     return window;
 }
 
-void SnapController::applySnap(const WindowRef& window, const PaneforgeConfig& config,
-                               DesktopPoint point) {
-    const auto visibleFrame = getVisibleFrame(point);
-    if (!visibleFrame) {
-        logSnapAttempt(point, QStringLiteral("unknown"), QStringLiteral("nil-visibleFrame"));
-        return;
+bool SnapController::applySnap(const WindowRef& window, const PaneforgeConfig& config,
+                               DesktopPoint point, const std::optional<ScreenInfo>& screen) {
+    if (!screen) {
+        logSnapAttempt(point, screen, QStringLiteral("unknown"),
+                       QStringLiteral("nil-visibleFrame"));
+        return false;
     }
     // Margins are laid out against the whole layout: an outer zone keeps the full margin at the
     // display's edge, and the union of two neighbours covers the gap between them.
-    const CellFrames frames =
-        cellFrameCalculator_.getCellFrames(activeCells_, *visibleFrame, config.cellMarginPoints());
+    const CellFrames frames = cellFrameCalculator_.getCellFrames(activeCells_, screen->visibleFrame,
+                                                                 config.cellMarginPoints());
     std::optional<DesktopRect> target;
     for (const GridCell& cell : selectionState_.getSelectedCells(activeCells_)) {
         const auto found = frames.constFind(cell.key());
@@ -326,34 +328,31 @@ void SnapController::applySnap(const WindowRef& window, const PaneforgeConfig& c
             target = target ? target->united(*found) : *found;
         }
     }
-    const QString layoutId = resolveGrid(config, point).id();
-    logSnapAttempt(point, layoutId,
+    logSnapAttempt(point, screen, resolveGrid(config, *screen).id(),
                    target ? SnapDiagnosticFormatter::formatRect(*target) : QStringLiteral("nil"));
     services_.log(QStringLiteral("SnapController.snapAndHide window ") +
                   services_.windowService.describeWindow(window) + QStringLiteral(" selected=") +
                   QString::number(selectionState_.count()));
-    if (target) {
-        services_.windowService.setFrame(window, *target);
-        scheduleFrameReapply(window, *target);
+    if (!target) {
+        return false;
     }
+    services_.windowService.setFrame(window, *target);
+    scheduleFrameReapply(window, *target);
+    return true;
 }
 
 void SnapController::scheduleFrameReapply(const WindowRef& window, const DesktopRect& frame) {
     // Some applications move their window again once the button is up; applying the frame twice
     // more (at once, and after a short delay) wins that race.
-    std::weak_ptr<SnapController*> weak = self_;
-    const auto reapply = [weak, window, frame] {
-        if (const auto self = weak.lock()) {
-            (*self)->services_.windowService.setFrame(window, frame);
-        }
-    };
+    const auto reapply = guard_.wrap([window, frame](SnapController& self) {
+        self.services_.windowService.setFrame(window, frame);
+    });
     services_.scheduler.post(reapply);
     services_.scheduler.postAfter(FrameApplyPolicy::postDragReapplyDelay, reapply);
 }
 
-void SnapController::logSnapAttempt(DesktopPoint point, const QString& layoutId,
-                                    const QString& requested) {
-    const auto screen = screenDiagnostics_.screen(point);
+void SnapController::logSnapAttempt(DesktopPoint point, const std::optional<ScreenInfo>& screen,
+                                    const QString& layoutId, const QString& requested) {
     const bool inFrame = screen && screen->frame.contains(point);
     const bool inVisible = screen && screen->visibleFrame.contains(point);
     const auto displayId = screen ? ScreenDiagnostics::displayId(*screen) : std::nullopt;

@@ -7,11 +7,13 @@
 #include "app/ports/window_service.h"
 #include "app/runtime/scheduler.h"
 #include "app/runtime/screen_diagnostics.h"
+#include "app/runtime/weak_guard.h"
 #include "core/config/config_store.h"
 #include "core/geometry/cell_frame_calculator.h"
 #include "core/geometry/cell_selection_state.h"
 #include "core/geometry/coordinate_transformer.h"
 #include "core/geometry/grid_calculator.h"
+#include "core/layouts/display_layout_service.h"
 
 #include <QString>
 #include <cstdint>
@@ -46,14 +48,18 @@ struct SnapControllerServices {
 // snap combinations held it shows the zones of the display under the pointer and, on release,
 // moves the window onto the chosen zone (single snap) or the bounding box of every zone passed
 // over (multi snap). Releasing the combination mid-drag hides the zones and, if configured, gives
-// the window back its earlier frame. Runs on the main thread; reads the configuration afresh on
-// every step; never changes or holds back an event.
+// the window back its earlier frame. Runs on the main thread; reads the configuration and finds
+// the screen under the pointer once per event; never changes or holds back an event.
 class SnapController {
 public:
     explicit SnapController(SnapControllerServices services);
     ~SnapController();
     SnapController(const SnapController&) = delete;
     SnapController& operator=(const SnapController&) = delete;
+
+    // After a snap the zones leave the screen this many seconds later, once the window manager
+    // has placed the window.
+    static constexpr double overlayHideDelay = 0.03;
 
     // Hands the event tap manager this controller's handler and arms the tap.
     void start();
@@ -84,21 +90,24 @@ private:
     void handleMouseDown();
     void handleMouseDragged(const InputEvent& event);
     void updateOverlayState(DesktopPoint point, const InputEvent& event);
-    void ensureActiveWindow();
-    std::optional<DesktopRect> getVisibleFrame(DesktopPoint point) const;
-    std::optional<DisplayId> getDisplayId(DesktopPoint point) const;
-    GridDefinition resolveGrid(const PaneforgeConfig& config, DesktopPoint point) const;
-    // `config` is the configuration as loaded for this event, none when it failed to load.
-    void updateSelection(DesktopPoint point, std::uint32_t modifiers,
-                         const std::optional<PaneforgeConfig>& config);
+    void ensureActiveWindow(DesktopPoint point);
+    // The display's layout: its active one, else the configuration's default.
+    GridDefinition resolveGrid(const PaneforgeConfig& config, const ScreenInfo& screen) const;
+    // `config` is the configuration as loaded for this event, none when it failed to load. False
+    // when nothing changed (no configuration).
+    bool updateSelection(DesktopPoint point, const ScreenInfo& screen, const GridDefinition& grid,
+                         std::uint32_t modifiers, const std::optional<PaneforgeConfig>& config);
     void ensureOverlay(const DesktopRect& visibleFrame);
     void updateOverlay(const PaneforgeConfig& config, const DesktopRect& visibleFrame,
-                       DesktopPoint point);
+                       const GridDefinition& grid);
     void snapAndHide(DesktopPoint point);
     WindowRef windowForSnap(DesktopPoint point);
-    void applySnap(const WindowRef& window, const PaneforgeConfig& config, DesktopPoint point);
+    // True when a frame was set.
+    bool applySnap(const WindowRef& window, const PaneforgeConfig& config, DesktopPoint point,
+                   const std::optional<ScreenInfo>& screen);
     void scheduleFrameReapply(const WindowRef& window, const DesktopRect& frame);
-    void logSnapAttempt(DesktopPoint point, const QString& layoutId, const QString& requested);
+    void logSnapAttempt(DesktopPoint point, const std::optional<ScreenInfo>& screen,
+                        const QString& layoutId, const QString& requested);
     void restoreIfNeeded(const PaneforgeConfig& config);
     void hideOverlay();
     void resetState();
@@ -113,6 +122,7 @@ private:
     GridCalculator gridCalculator_;
     CellFrameCalculator cellFrameCalculator_;
     GridHitTester gridHitTester_;
+    DisplayLayoutService layouts_;
 
     std::unique_ptr<SnapOverlay> overlayWindow_;
     WindowRef activeWindow_;
@@ -126,8 +136,8 @@ private:
     bool hasLoggedSnapDrag_ = false;
     // Set once the controller has handed its handler to the event tap.
     bool isAttachedToEventTap_ = false;
-    // Queued work holds this weakly and does nothing once the controller is gone.
-    std::shared_ptr<SnapController*> self_;
+    // Queued work and the tap's handler hold this weakly and do nothing once it is gone.
+    WeakGuard<SnapController> guard_{this};
 };
 
 } // namespace paneforge

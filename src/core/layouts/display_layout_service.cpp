@@ -82,6 +82,18 @@ std::optional<GridDefinition> DisplayLayoutService::getActiveLayout(const Panefo
     return entry ? entry->activeLayout() : std::nullopt;
 }
 
+GridDefinition DisplayLayoutService::getActiveLayoutOrDefault(const PaneforgeConfig& config,
+                                                              const QString& stableId) const {
+    // Looked up in place: this runs on every pointer movement of a snap.
+    const auto it = config.displays().find(stableId);
+    if (it != config.displays().end()) {
+        if (auto layout = it->second.activeLayout()) {
+            return std::move(*layout);
+        }
+    }
+    return config.defaultLayout();
+}
+
 GridDefinition DisplayLayoutService::getOrCreateLayout(const PaneforgeConfig& config,
                                                        const QString& stableId) const {
     if (const auto active = getActiveLayout(config, stableId)) {

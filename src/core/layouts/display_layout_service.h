@@ -39,6 +39,10 @@ public:
                                             const QString& displayStableId) const;
     std::optional<GridDefinition> getActiveLayout(const PaneforgeConfig& config,
                                                   const QString& displayStableId) const;
+    // The layout whose zones a display shows and snaps to: its active layout, else the
+    // configuration's default layout.
+    GridDefinition getActiveLayoutOrDefault(const PaneforgeConfig& config,
+                                            const QString& displayStableId) const;
     // The active layout, else the first one, else a new unsaved layout based on the default.
     GridDefinition getOrCreateLayout(const PaneforgeConfig& config,
                                      const QString& displayStableId) const;

@@ -192,8 +192,9 @@ std::optional<DesktopRect> AccessibilityService::frame(const WindowRef& window) 
     return cocoaFrame(asElement(window));
 }
 
-std::optional<QString> AccessibilityService::role(const WindowRef& window) {
-    return copyString(asElement(window), QStringLiteral("AXRole"));
+bool AccessibilityService::isStandardWindow(const WindowRef& window) {
+    const auto role = copyString(asElement(window), QStringLiteral("AXRole"));
+    return role && WindowRolePolicy::isMovableWindow(*role);
 }
 
 bool AccessibilityService::sameWindow(const WindowRef& a, const WindowRef& b) {

@@ -28,7 +28,8 @@ public:
     WindowRef windowUnderPoint(DesktopPoint point) override { return getWindowUnderCursor(point); }
     WindowRef focusedWindow() override;
     std::optional<DesktopRect> frame(const WindowRef& window) override;
-    std::optional<QString> role(const WindowRef& window) override;
+    // An element whose "AXRole" is the window role (WindowRolePolicy).
+    bool isStandardWindow(const WindowRef& window) override;
     void setFrame(const WindowRef& window, const DesktopRect& frame) override;
     QString describeWindow(const WindowRef& window) override;
     bool sameWindow(const WindowRef& a, const WindowRef& b) override;

@@ -6,7 +6,9 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QHash>
 #include <QScreen>
+#include <QSocketNotifier>
 #include <cstdlib>
 #include <xcb/randr.h>
 
@@ -28,6 +30,86 @@ template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T* raw) {
 }
 
 } // namespace
+
+// The connection that carries the events which can change a visible frame or an identity, and
+// what is kept until one of them comes.
+class X11DisplayServices::Watcher {
+public:
+    Watcher() {
+        if (!x.isValid()) {
+            return;
+        }
+        xcb_connection_t* c = x.raw();
+        clientList_ = x.atom("_NET_CLIENT_LIST");
+        workArea_ = x.atom("_NET_WORKAREA");
+        strut_ = x.atom("_NET_WM_STRUT");
+        strutPartial_ = x.atom("_NET_WM_STRUT_PARTIAL");
+        const std::uint32_t rootEvents =
+            XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(c, x.root(), XCB_CW_EVENT_MASK, &rootEvents);
+        const auto* randr = xcb_get_extension_data(c, &xcb_randr_id);
+        // The server sends output and CRTC changes only to clients that said they know RandR 1.2.
+        if (randr && randr->present &&
+            owned(xcb_randr_query_version_reply(c, xcb_randr_query_version(c, 1, 5), nullptr))) {
+            randrEvents_ = randr->first_event;
+            xcb_randr_select_input(
+                c, x.root(),
+                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
+        }
+        x.flush();
+        notifier_ =
+            std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(c), QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                         [this] { processEvents(); });
+    }
+
+    // Reads every event waiting; each that can change what is kept drops it.
+    void processEvents() {
+        while (auto* raw = xcb_poll_for_event(x.raw())) {
+            const auto event = owned(raw);
+            const std::uint8_t type = event->response_type & 0x7f;
+            if (type == XCB_PROPERTY_NOTIFY) {
+                const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(raw);
+                const bool onRoot = change->window == x.root();
+                if (onRoot ? change->atom == clientList_ || change->atom == workArea_
+                           : change->atom == strut_ || change->atom == strutPartial_) {
+                    framesValid = false;
+                }
+            } else if (type == XCB_CONFIGURE_NOTIFY) {
+                framesValid = false; // the root changed size
+            } else if (randrEvents_ != 0 &&
+                       (type == randrEvents_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                        type == randrEvents_ + XCB_RANDR_NOTIFY)) {
+                framesValid = false;
+                edids.clear();
+            }
+        }
+    }
+
+    X11Connection x;
+    // The visible frames, valid for the screens they were read for.
+    bool framesValid = false;
+    std::vector<Screen> framesFor;
+    std::vector<DesktopRect> frames;
+    // EDID blocks by screen name, for the screens they were read for.
+    std::vector<Screen> edidsFor;
+    QHash<QString, QByteArray> edids;
+
+private:
+    std::unique_ptr<QSocketNotifier> notifier_;
+    std::uint8_t randrEvents_ = 0; // RandR's first event code; 0 without RandR
+    xcb_atom_t clientList_ = XCB_NONE;
+    xcb_atom_t workArea_ = XCB_NONE;
+    xcb_atom_t strut_ = XCB_NONE;
+    xcb_atom_t strutPartial_ = XCB_NONE;
+};
+
+X11DisplayServices::X11DisplayServices(X11Connection& connection)
+    : x_(&connection)
+    , watcher_(std::make_unique<Watcher>()) {}
+
+X11DisplayServices::~X11DisplayServices() = default;
 
 DisplayId X11DisplayServices::displayIdForName(const QString& name) {
     const std::uint32_t id = fnv1a(name.toUtf8());
@@ -93,6 +175,24 @@ std::vector<QString> X11DisplayServices::outputNamesFor(const QString& screenNam
 }
 
 QByteArray X11DisplayServices::edidFor(const QString& screenName) const {
+    Watcher& w = *watcher_;
+    if (!w.x.isValid()) {
+        return readEdid(screenName);
+    }
+    w.processEvents();
+    const auto screens = currentScreens();
+    if (w.edidsFor != screens) {
+        w.edids.clear();
+        w.edidsFor = screens;
+    }
+    auto it = w.edids.constFind(screenName);
+    if (it == w.edids.constEnd()) {
+        it = w.edids.insert(screenName, readEdid(screenName));
+    }
+    return *it;
+}
+
+QByteArray X11DisplayServices::readEdid(const QString& screenName) const {
     if (!x_->isValid()) {
         return {};
     }
@@ -239,40 +339,98 @@ QRect X11DisplayServices::visibleArea(const QRect& monitor,
 }
 
 std::optional<DesktopRect> X11DisplayServices::getVisibleFrame(DisplayId displayId) {
-    const auto screen = screenFor(displayId);
-    return screen ? std::optional(visibleFrameOf(*screen)) : std::nullopt;
-}
-
-DesktopRect X11DisplayServices::visibleFrameOf(const Screen& screen) const {
-    QRect visible = screen.rootGeometry;
-    if (x_->isValid()) {
-        std::vector<std::vector<std::uint32_t>> struts;
-        for (const xcb_window_t window : x_->windowList(x_->root(), "_NET_CLIENT_LIST")) {
-            auto partial = x_->cardinals(window, "_NET_WM_STRUT_PARTIAL");
-            if (partial.size() < 12) {
-                // The older four-value form spans whole edges.
-                const auto plain = x_->cardinals(window, "_NET_WM_STRUT");
-                if (plain.size() < 4) {
-                    continue;
-                }
-                const std::uint32_t w = static_cast<std::uint32_t>(x_->rootWidth());
-                const std::uint32_t h = static_cast<std::uint32_t>(x_->rootHeight());
-                partial = {plain[0], plain[1], plain[2], plain[3], 0, h, 0, h, 0, w, 0, w};
-            }
-            struts.push_back(partial);
-        }
-        visible = visibleArea(visible, struts, x_->rootWidth(), x_->rootHeight());
-        if (currentScreens().size() == 1) {
-            // With one monitor the window manager's own work area is authoritative.
-            const auto area = x_->cardinals(x_->root(), "_NET_WORKAREA");
-            if (area.size() >= 4) {
-                visible = visible.intersected(
-                    QRect(static_cast<int>(area[0]), static_cast<int>(area[1]),
-                          static_cast<int>(area[2]), static_cast<int>(area[3])));
-            }
+    const auto screens = currentScreens();
+    const auto frames = visibleFrames(screens);
+    for (size_t i = 0; i < screens.size(); ++i) {
+        if (screens[i].id == displayId) {
+            return frames[i];
         }
     }
-    return X11DesktopSpace::toDesktop(QRectF(visible));
+    return std::nullopt;
+}
+
+std::vector<DesktopRect>
+X11DisplayServices::visibleFrames(const std::vector<Screen>& screens) const {
+    Watcher& w = *watcher_;
+    if (!w.x.isValid()) {
+        return readVisibleFrames(*x_, screens, false);
+    }
+    w.processEvents();
+    if (!w.framesValid || w.framesFor != screens) {
+        w.frames = readVisibleFrames(w.x, screens, true);
+        w.framesFor = screens;
+        w.framesValid = true;
+    }
+    return w.frames;
+}
+
+std::vector<DesktopRect> X11DisplayServices::readVisibleFrames(X11Connection& x,
+                                                               const std::vector<Screen>& screens,
+                                                               bool watchClients) {
+    std::vector<DesktopRect> frames;
+    if (!x.isValid()) {
+        for (const Screen& screen : screens) {
+            frames.push_back(X11DesktopSpace::toDesktop(QRectF(screen.rootGeometry)));
+        }
+        return frames;
+    }
+    xcb_connection_t* c = x.raw();
+    const auto clients = x.windowList(x.root(), "_NET_CLIENT_LIST");
+    if (watchClients) {
+        // Asked for before the struts are read on the same connection, so that a strut changed
+        // after the read is reported.
+        const std::uint32_t clientEvents = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        for (const xcb_window_t window : clients) {
+            xcb_change_window_attributes(c, window, XCB_CW_EVENT_MASK, &clientEvents);
+        }
+    }
+    // Both strut forms of every client, and the work area, asked together: one round trip.
+    const xcb_atom_t partialAtom = x.atom("_NET_WM_STRUT_PARTIAL");
+    const xcb_atom_t plainAtom = x.atom("_NET_WM_STRUT");
+    std::vector<std::pair<xcb_get_property_cookie_t, xcb_get_property_cookie_t>> cookies;
+    for (const xcb_window_t window : clients) {
+        cookies.emplace_back(xcb_get_property(c, 0, window, partialAtom, XCB_ATOM_CARDINAL, 0, 12),
+                             xcb_get_property(c, 0, window, plainAtom, XCB_ATOM_CARDINAL, 0, 4));
+    }
+    const auto areaCookie =
+        xcb_get_property(c, 0, x.root(), x.atom("_NET_WORKAREA"), XCB_ATOM_CARDINAL, 0, 4);
+    const auto values = [c](xcb_get_property_cookie_t cookie) {
+        std::vector<std::uint32_t> result;
+        if (auto reply = owned(xcb_get_property_reply(c, cookie, nullptr));
+            reply && reply->format == 32) {
+            const auto* data =
+                static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+            result.assign(data, data + xcb_get_property_value_length(reply.get()) / 4);
+        }
+        return result;
+    };
+    const std::uint32_t w = static_cast<std::uint32_t>(x.rootWidth());
+    const std::uint32_t h = static_cast<std::uint32_t>(x.rootHeight());
+    std::vector<std::vector<std::uint32_t>> struts;
+    for (const auto& [partialCookie, plainCookie] : cookies) {
+        auto partial = values(partialCookie);
+        const auto plain = values(plainCookie);
+        if (partial.size() < 12) {
+            // The older four-value form spans whole edges.
+            if (plain.size() < 4) {
+                continue;
+            }
+            partial = {plain[0], plain[1], plain[2], plain[3], 0, h, 0, h, 0, w, 0, w};
+        }
+        struts.push_back(partial);
+    }
+    const auto area = values(areaCookie);
+    for (const Screen& screen : screens) {
+        QRect visible = visibleArea(screen.rootGeometry, struts, x.rootWidth(), x.rootHeight());
+        if (screens.size() == 1 && area.size() >= 4) {
+            // With one monitor the window manager's own work area is authoritative.
+            visible =
+                visible.intersected(QRect(static_cast<int>(area[0]), static_cast<int>(area[1]),
+                                          static_cast<int>(area[2]), static_cast<int>(area[3])));
+        }
+        frames.push_back(X11DesktopSpace::toDesktop(QRectF(visible)));
+    }
+    return frames;
 }
 
 std::optional<DisplayId> X11DisplayServices::getDisplayId(DesktopPoint point) {
@@ -285,9 +443,12 @@ std::optional<DisplayId> X11DisplayServices::getDisplayId(DesktopPoint point) {
 }
 
 DesktopPoint X11DisplayServices::pointerLocation() {
-    if (x_->isValid()) {
-        auto pointer = owned(
-            xcb_query_pointer_reply(x_->raw(), xcb_query_pointer(x_->raw(), x_->root()), nullptr));
+    // Asked on the connection that carries the frame-changing events: its answer comes after
+    // every event the server sent before it, so the next screen lookup sees them.
+    X11Connection& x = watcher_->x.isValid() ? watcher_->x : *x_;
+    if (x.isValid()) {
+        auto pointer =
+            owned(xcb_query_pointer_reply(x.raw(), xcb_query_pointer(x.raw(), x.root()), nullptr));
         if (pointer) {
             return X11DesktopSpace::toDesktop(QPointF(pointer->root_x, pointer->root_y));
         }
@@ -300,12 +461,14 @@ double X11DisplayServices::primaryMaxY() {
 }
 
 std::vector<ScreenInfo> X11DisplayServices::screens() const {
+    const auto current = currentScreens();
+    const auto frames = visibleFrames(current);
     std::vector<ScreenInfo> result;
-    for (const Screen& screen : currentScreens()) {
+    for (size_t i = 0; i < current.size(); ++i) {
+        const Screen& screen = current[i];
         const QRectF root(screen.rootGeometry);
         result.push_back({screen.name, screen.id, screen.scale, X11DesktopSpace::toDesktop(root),
-                          visibleFrameOf(screen),
-                          DesktopRect(root.x(), root.y(), root.width(), root.height())});
+                          frames[i], DesktopRect(root.x(), root.y(), root.width(), root.height())});
     }
     return result;
 }

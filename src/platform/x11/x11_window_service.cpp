@@ -6,8 +6,10 @@
 
 #include <QPoint>
 #include <QRect>
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace paneforge {
@@ -124,7 +126,78 @@ std::optional<QRect> pixelFrame(const QRectF& requested, const QRect& desktop) {
     return QRect(x->first, y->first, x->second, y->second);
 }
 
+xcb_get_property_cookie_t askProperty(X11Connection& x, xcb_window_t window, const char* name,
+                                      xcb_atom_t type, std::uint32_t length = 64) {
+    return xcb_get_property(x.raw(), 0, window, x.atom(name), type, 0, length);
+}
+
+// The answer to askProperty: none when the window has no such property (or is gone), else its
+// 32-bit values (none of them when it has another type or format).
+std::optional<std::vector<std::uint32_t>> takeProperty(X11Connection& x,
+                                                       xcb_get_property_cookie_t cookie) {
+    auto reply = owned(xcb_get_property_reply(x.raw(), cookie, nullptr));
+    if (!reply || reply->type == XCB_ATOM_NONE) {
+        return std::nullopt;
+    }
+    std::vector<std::uint32_t> values;
+    if (reply->format == 32) {
+        const auto* data = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+        values.assign(data, data + xcb_get_property_value_length(reply.get()) / 4);
+    }
+    return values;
+}
+
+// Window types in EWMH's words: those of windows a user arranges, and the rest.
+constexpr const char* kStandardTypes[] = {
+    "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WM_WINDOW_TYPE_DIALOG", "_NET_WM_WINDOW_TYPE_UTILITY"};
+constexpr const char* kOtherTypes[] = {
+    "_NET_WM_WINDOW_TYPE_DESKTOP",      "_NET_WM_WINDOW_TYPE_DOCK",
+    "_NET_WM_WINDOW_TYPE_TOOLBAR",      "_NET_WM_WINDOW_TYPE_MENU",
+    "_NET_WM_WINDOW_TYPE_SPLASH",       "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU",
+    "_NET_WM_WINDOW_TYPE_POPUP_MENU",   "_NET_WM_WINDOW_TYPE_TOOLTIP",
+    "_NET_WM_WINDOW_TYPE_NOTIFICATION", "_NET_WM_WINDOW_TYPE_COMBO",
+    "_NET_WM_WINDOW_TYPE_DND"};
+
+template <size_t N>
+std::vector<xcb_atom_t> internAll(xcb_connection_t* c, const char* const (&names)[N]) {
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const char* name : names) {
+        cookies.push_back(
+            xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(name)), name));
+    }
+    std::vector<xcb_atom_t> atoms;
+    for (const auto cookie : cookies) {
+        auto reply = owned(xcb_intern_atom_reply(c, cookie, nullptr));
+        atoms.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
+    }
+    return atoms;
+}
+
 } // namespace
+
+struct X11WindowService::FrameRead {
+    FrameRead(X11Connection& x, xcb_window_t client)
+        : extents(askProperty(x, client, "_NET_FRAME_EXTENTS", XCB_ATOM_CARDINAL))
+        , geometry(xcb_get_geometry(x.raw(), client))
+        , position(xcb_translate_coordinates(x.raw(), client, x.root(), 0, 0)) {}
+
+    // Takes every reply, so none is left behind.
+    std::optional<DesktopRect> take(X11Connection& x) const {
+        const Extents e = extentsFrom(takeProperty(x, extents));
+        auto size = owned(xcb_get_geometry_reply(x.raw(), geometry, nullptr));
+        auto origin = owned(xcb_translate_coordinates_reply(x.raw(), position, nullptr));
+        if (!size || !origin) {
+            return std::nullopt;
+        }
+        return X11DesktopSpace::toDesktop(QRectF(origin->dst_x - e.left, origin->dst_y - e.top,
+                                                 size->width + e.left + e.right,
+                                                 size->height + e.top + e.bottom));
+    }
+
+    xcb_get_property_cookie_t extents;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t position;
+};
 
 X11WindowService::X11WindowService(X11Connection& connection, Scheduler& scheduler, LogSink log)
     : x_(connection)
@@ -218,13 +291,14 @@ WindowRef X11WindowService::focusedWindow() {
     return client ? wrap(*client) : nullptr;
 }
 
-X11WindowService::Extents X11WindowService::frameExtents(xcb_window_t client) {
-    const auto values = x_.cardinals(client, "_NET_FRAME_EXTENTS");
-    if (values.size() < 4) {
+X11WindowService::Extents
+X11WindowService::extentsFrom(const std::optional<std::vector<std::uint32_t>>& values) {
+    if (!values || values->size() < 4) {
         return {};
     }
-    return {static_cast<int>(values[0]), static_cast<int>(values[1]), static_cast<int>(values[2]),
-            static_cast<int>(values[3])};
+    const auto& v = *values;
+    return {static_cast<int>(v[0]), static_cast<int>(v[1]), static_cast<int>(v[2]),
+            static_cast<int>(v[3])};
 }
 
 std::optional<DesktopRect> X11WindowService::frame(const WindowRef& window) {
@@ -232,49 +306,75 @@ std::optional<DesktopRect> X11WindowService::frame(const WindowRef& window) {
     if (!x_.isValid() || client == XCB_NONE) {
         return std::nullopt;
     }
-    auto geometry =
-        owned(xcb_get_geometry_reply(x_.raw(), xcb_get_geometry(x_.raw(), client), nullptr));
-    auto position = owned(xcb_translate_coordinates_reply(
-        x_.raw(), xcb_translate_coordinates(x_.raw(), client, x_.root(), 0, 0), nullptr));
-    if (!geometry || !position) {
-        return std::nullopt;
-    }
-    const Extents e = frameExtents(client);
-    const QRectF outer(position->dst_x - e.left, position->dst_y - e.top,
-                       geometry->width + e.left + e.right, geometry->height + e.top + e.bottom);
-    return X11DesktopSpace::toDesktop(outer);
+    return FrameRead(x_, client).take(x_);
 }
 
-std::optional<QString> X11WindowService::role(const WindowRef& window) {
-    const xcb_window_t client = clientOf(window);
-    if (!x_.isValid() || client == XCB_NONE || !x_.hasProperty(client, "WM_STATE")) {
-        return std::nullopt;
+bool X11WindowService::isStandardType(const std::vector<xcb_atom_t>& types) {
+    if (standardTypes_.empty() && !types.empty()) {
+        standardTypes_ = internAll(x_.raw(), kStandardTypes);
+        otherTypes_ = internAll(x_.raw(), kOtherTypes);
     }
-    // Docks and desktops are not windows a user arranges.
-    for (const xcb_atom_t type : x_.atomList(client, "_NET_WM_WINDOW_TYPE")) {
-        if (type == x_.atom("_NET_WM_WINDOW_TYPE_DOCK") ||
-            type == x_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) {
-            return QStringLiteral("AXUnknown");
+    // The types come in order of preference, and the first one known decides (a newer or
+    // private type may come first); a window that names none is a normal one.
+    const auto among = [](xcb_atom_t type, const std::vector<xcb_atom_t>& atoms) {
+        return std::find(atoms.begin(), atoms.end(), type) != atoms.end();
+    };
+    for (const xcb_atom_t type : types) {
+        if (among(type, standardTypes_)) {
+            return true;
+        }
+        if (among(type, otherTypes_)) {
+            return false;
         }
     }
-    return QStringLiteral("AXWindow");
+    return true;
+}
+
+bool X11WindowService::isStandardWindow(const WindowRef& window) {
+    const xcb_window_t client = clientOf(window);
+    if (!x_.isValid() || client == XCB_NONE) {
+        return false;
+    }
+    const auto state = askProperty(x_, client, "WM_STATE", XCB_ATOM_ANY, 0);
+    const auto types = askProperty(x_, client, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM);
+    const bool managed = takeProperty(x_, state).has_value();
+    const auto typeList = takeProperty(x_, types).value_or(std::vector<std::uint32_t>{});
+    return managed && isStandardType(typeList);
+}
+
+QString X11WindowService::typeName(xcb_atom_t type) {
+    auto it = typeNames_.constFind(type);
+    if (it == typeNames_.constEnd()) {
+        it = typeNames_.insert(
+            type, x_.atomName(type).remove(QStringLiteral("_NET_WM_WINDOW_TYPE_")).toLower());
+    }
+    return *it;
+}
+
+X11WindowService::WriteFacts X11WindowService::writeFacts(xcb_window_t client) {
+    const auto extents = askProperty(x_, client, "_NET_FRAME_EXTENTS", XCB_ATOM_CARDINAL);
+    const auto states = askProperty(x_, client, "_NET_WM_STATE", XCB_ATOM_ATOM);
+    const auto check = askProperty(x_, x_.root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW);
+    WriteFacts facts;
+    facts.extents = extentsFrom(takeProperty(x_, extents));
+    const xcb_atom_t vertical = x_.atom("_NET_WM_STATE_MAXIMIZED_VERT");
+    const xcb_atom_t horizontal = x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
+    for (const xcb_atom_t state : takeProperty(x_, states).value_or(std::vector<std::uint32_t>{})) {
+        facts.maximized = facts.maximized || state == vertical || state == horizontal;
+    }
+    const auto wmCheck = takeProperty(x_, check);
+    facts.managed = wmCheck && !wmCheck->empty();
+    return facts;
 }
 
 void X11WindowService::unmaximize(xcb_window_t client) {
-    const xcb_atom_t vertical = x_.atom("_NET_WM_STATE_MAXIMIZED_VERT");
-    const xcb_atom_t horizontal = x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
-    bool maximized = false;
-    for (const xcb_atom_t state : x_.atomList(client, "_NET_WM_STATE")) {
-        maximized = maximized || state == vertical || state == horizontal;
-    }
-    if (maximized) {
-        x_.sendRootMessage(client, "_NET_WM_STATE", {kStateRemove, vertical, horizontal, 2, 0});
-    }
+    x_.sendRootMessage(client, "_NET_WM_STATE",
+                       {kStateRemove, x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+                        x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2, 0});
 }
 
 void X11WindowService::requestOuterFrame(xcb_window_t client, int x, int y, int clientWidth,
-                                         int clientHeight, bool positionOnly) {
-    const bool managed = x_.windowProperty(x_.root(), "_NET_SUPPORTING_WM_CHECK").has_value();
+                                         int clientHeight, bool positionOnly, bool managed) {
     if (managed) {
         const std::uint32_t flags = kNorthWestGravity | kHasX | kHasY |
                                     (positionOnly ? 0 : kHasWidth | kHasHeight) | kSourceTool;
@@ -311,17 +411,22 @@ void X11WindowService::setFrame(const WindowRef& window, const DesktopRect& fram
         }
         return;
     }
-    const Extents e = frameExtents(client);
+    const WriteFacts facts = writeFacts(client);
+    const Extents& e = facts.extents;
     const QPoint origin = outer->topLeft();
     const int width = std::max(1, outer->width() - e.left - e.right);
     const int height = std::max(1, outer->height() - e.top - e.bottom);
-    unmaximize(client);
-    requestOuterFrame(client, origin.x(), origin.y(), width, height, false);
+    if (facts.maximized) {
+        unmaximize(client);
+    }
+    requestOuterFrame(client, origin.x(), origin.y(), width, height, false, facts.managed);
     // The window manager acts asynchronously: look where the window went a moment later,
     // against what was asked of it.
     const DesktopRect requested = X11DesktopSpace::toDesktop(QRectF(*outer));
     scheduler_.postAfter(verifyDelay,
-                         [this, window, requested, origin] { verify(window, requested, origin); });
+                         guard_.wrap([window, requested, origin](X11WindowService& self) {
+                             self.verify(window, requested, origin);
+                         }));
 }
 
 void X11WindowService::verify(const WindowRef& window, const DesktopRect& requested,
@@ -338,12 +443,14 @@ void X11WindowService::verify(const WindowRef& window, const DesktopRect& reques
     if (FrameApplyPolicy::originNeedsRetry(
             topLeftRect(requested), actual ? std::optional(topLeftRect(*actual)) : std::nullopt,
             FrameApplyPolicy::originTolerance)) {
-        const Extents e = frameExtents(client);
+        const WriteFacts facts = writeFacts(client);
+        const Extents& e = facts.extents;
         const QRectF root = X11DesktopSpace::toRoot(requested);
         requestOuterFrame(
             client, rootOrigin.x(), rootOrigin.y(),
             std::max(1, static_cast<int>(std::lround(root.width())) - e.left - e.right),
-            std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom), true);
+            std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom), true,
+            facts.managed);
         retried = true;
     }
     const auto after = frame(window);
@@ -370,20 +477,27 @@ QString X11WindowService::describeWindow(const WindowRef& window) {
     if (!x_.isValid() || client == XCB_NONE) {
         return QStringLiteral("pid=nil role=nil subrole=nil title=nil cocoaFrame=nil");
     }
-    const auto pid = x_.cardinals(client, "_NET_WM_PID");
-    const auto types = x_.atomList(client, "_NET_WM_WINDOW_TYPE");
+    // Everything but the title is asked at once.
+    const auto pidRead = askProperty(x_, client, "_NET_WM_PID", XCB_ATOM_CARDINAL);
+    const auto typesRead = askProperty(x_, client, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM);
+    const auto stateRead = askProperty(x_, client, "WM_STATE", XCB_ATOM_ANY, 0);
+    const FrameRead frameRead(x_, client);
+    const auto pid = takeProperty(x_, pidRead).value_or(std::vector<std::uint32_t>{});
+    const auto types = takeProperty(x_, typesRead).value_or(std::vector<std::uint32_t>{});
+    const bool managed = takeProperty(x_, stateRead).has_value();
+    const auto outer = frameRead.take(x_);
     std::optional<QString> subrole;
     if (!types.empty()) {
-        subrole =
-            x_.atomName(types.front()).remove(QStringLiteral("_NET_WM_WINDOW_TYPE_")).toLower();
+        subrole = typeName(types.front());
     }
     const auto title = windowTitle(x_, client);
-    const auto outer = frame(window);
+    const QString role = !managed                ? QStringLiteral("nil")
+                         : isStandardType(types) ? QStringLiteral("standard")
+                                                 : QStringLiteral("other");
     return QStringLiteral("pid=") +
            (pid.empty() ? QStringLiteral("nil") : QString::number(pid.front())) +
-           QStringLiteral(" role=") + text(role(window)) + QStringLiteral(" subrole=") +
-           text(subrole) + QStringLiteral(" title=") + text(title) +
-           QStringLiteral(" cocoaFrame=") +
+           QStringLiteral(" role=") + role + QStringLiteral(" subrole=") + text(subrole) +
+           QStringLiteral(" title=") + text(title) + QStringLiteral(" cocoaFrame=") +
            (outer ? SnapDiagnosticFormatter::formatRect(*outer) : QStringLiteral("nil"));
 }
 
