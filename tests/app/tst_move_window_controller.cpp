@@ -24,7 +24,7 @@ public:
     std::optional<DesktopRect> frame(const WindowRef& w) override {
         return w == window ? std::optional(windowFrame) : std::nullopt;
     }
-    std::optional<QString> role(const WindowRef&) override { return QStringLiteral("AXWindow"); }
+    bool isStandardWindow(const WindowRef&) override { return true; }
     void setFrame(const WindowRef& w, const DesktopRect& frame) override {
         QVERIFY(w == window);
         moves << frame;

@@ -424,13 +424,13 @@ void X11WindowService::setFrame(const WindowRef& window, const DesktopRect& fram
     // against what was asked of it.
     const DesktopRect requested = X11DesktopSpace::toDesktop(QRectF(*outer));
     scheduler_.postAfter(verifyDelay,
-                         guard_.wrap([window, requested, origin](X11WindowService& self) {
-                             self.verify(window, requested, origin);
+                         guard_.wrap([window, requested, origin, e](X11WindowService& self) {
+                             self.verify(window, requested, origin, e);
                          }));
 }
 
 void X11WindowService::verify(const WindowRef& window, const DesktopRect& requested,
-                              QPoint rootOrigin) {
+                              QPoint rootOrigin, Extents used) {
     const xcb_window_t client = clientOf(window);
     bool retried = false;
     // Compare the top-left corners, in root coordinates: that is the corner the move anchored,
@@ -440,17 +440,21 @@ void X11WindowService::verify(const WindowRef& window, const DesktopRect& reques
         return DesktopRect(root.x(), root.y(), root.width(), root.height());
     };
     const auto actual = frame(window);
-    if (FrameApplyPolicy::originNeedsRetry(
+    const WriteFacts facts = writeFacts(client);
+    const Extents& e = facts.extents;
+    // A window that was maximized had its client size worked out from the borders it had then;
+    // once restored its borders are drawn again, so the size is asked for once more.
+    const bool bordersChanged = !(e == used);
+    if (bordersChanged ||
+        FrameApplyPolicy::originNeedsRetry(
             topLeftRect(requested), actual ? std::optional(topLeftRect(*actual)) : std::nullopt,
             FrameApplyPolicy::originTolerance)) {
-        const WriteFacts facts = writeFacts(client);
-        const Extents& e = facts.extents;
         const QRectF root = X11DesktopSpace::toRoot(requested);
         requestOuterFrame(
             client, rootOrigin.x(), rootOrigin.y(),
             std::max(1, static_cast<int>(std::lround(root.width())) - e.left - e.right),
-            std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom), true,
-            facts.managed);
+            std::max(1, static_cast<int>(std::lround(root.height())) - e.top - e.bottom),
+            !bordersChanged, facts.managed);
         retried = true;
     }
     const auto after = frame(window);

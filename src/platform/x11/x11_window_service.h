@@ -47,6 +47,7 @@ public:
 private:
     struct Extents {
         int left = 0, right = 0, top = 0, bottom = 0;
+        bool operator==(const Extents&) const = default;
     };
     // The reads that give a client's outer frame, in flight together.
     struct FrameRead;
@@ -63,7 +64,8 @@ private:
     void unmaximize(xcb_window_t client);
     void requestOuterFrame(xcb_window_t client, int x, int y, int clientWidth, int clientHeight,
                            bool positionOnly, bool managed);
-    void verify(const WindowRef& window, const DesktopRect& requested, QPoint rootOrigin);
+    void verify(const WindowRef& window, const DesktopRect& requested, QPoint rootOrigin,
+                Extents used);
     bool isStandardType(const std::vector<xcb_atom_t>& types);
     QString typeName(xcb_atom_t type);
 
