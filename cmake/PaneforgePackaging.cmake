@@ -127,8 +127,8 @@ elseif(PANEFORGE_PLATFORM_X11)
   # ---- Linux: the Debian package ----
   find_program(PANEFORGE_GZIP gzip REQUIRED)
 
-  # The man page, changelog and copyright: gzip -n leaves no time stamp in the file, -9 is what
-  # Debian asks for.
+  # The man page and the changelog, compressed as Debian asks: -9, and -n for no time stamp in
+  # the file.
   configure_file(${_pkg_source}/linux/paneforge.1.in ${_pkg_binary}/linux/paneforge.1 @ONLY)
   configure_file(${_pkg_source}/linux/changelog.in ${_pkg_binary}/linux/changelog @ONLY)
   foreach(_page paneforge.1 changelog)
