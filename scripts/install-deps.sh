@@ -11,6 +11,9 @@ debian_packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-icccm4-dev
   libxcb-shape0-dev libxcb-xfixes0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev
+  # packages (make package: the icon's PNGs, dpkg-shlibdeps) and their checks
+  # (scripts/check-package.sh: lintian, desktop-file-validate, man)
+  qt6-svg-dev dpkg-dev lintian desktop-file-utils man-db
   # end-to-end tests: a headless X server, a window manager, a tray host, a compositor, clients
   # and keyboard tools (xdotool, xmodmap, setxkbmap)
   xvfb openbox xdotool x11-apps x11-utils x11-xserver-utils x11-xkb-utils xterm trayer xcompmgr

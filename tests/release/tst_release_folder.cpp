@@ -1,0 +1,162 @@
+#include "release/info_plist.h"
+#include "release/release_folder.h"
+#include "release/release_version.h"
+
+#include <QTest>
+
+using namespace paneforge::release;
+
+namespace {
+
+ReleaseFolderEntry file(const QString& name, qint64 size = 1024) {
+    return {name, false, size};
+}
+
+ReleaseFolderEntry folder(const QString& name) {
+    return {name, true, 0};
+}
+
+using Entries = std::vector<ReleaseFolderEntry>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Entries)
+
+class ReleaseFolderTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void offenders_data() {
+        QTest::addColumn<Entries>("entries");
+        QTest::addColumn<QString>("bundleVersion");
+        // "name: reason" for the one entry that is not the publishable disk image.
+        QTest::addColumn<QString>("offender");
+        const auto row = [](const char* tag, const ReleaseFolderEntry& extra, const char* why) {
+            QTest::newRow(tag) << Entries{file("Paneforge-1.2.1.dmg"), extra} << "1.2.1"
+                               << QStringLiteral("%1: %2").arg(extra.name, why);
+        };
+        row("bundle left over", folder("Paneforge.app"),
+            "an application bundle: publish its disk image instead");
+        row("debug symbols", folder("Paneforge.app.dSYM"), "debug symbols");
+        row("other folder", folder("old"), "a folder");
+        row("debug build", file("Paneforge-1.2.1-debug.dmg"), "a debug build");
+        row("debug in capitals", file("Paneforge-1.2.1-Debug.dmg"), "a debug build");
+        row("zipped symbols", file("Paneforge-1.2.1.dSYM.zip"), "a debug build");
+        row("unsigned build", file("Paneforge-1.2.1-unsigned.dmg"), "an unsigned build");
+        row("Finder's file", file(".DS_Store"), "a hidden file");
+        row("archive", file("Paneforge-1.2.1.zip"), "not a disk image");
+        row("notes", file("notes.txt"), "not a disk image");
+        row("older version", file("Paneforge-1.2.0.dmg"),
+            "version 1.2.0, but the bundle is version 1.2.1");
+        row("newer pre-release", file("Paneforge-1.3b1.dmg"),
+            "version 1.3b1, but the bundle is version 1.2.1");
+        row("same version spelled otherwise", file("Paneforge-1.2.1.0.dmg"),
+            "version written “1.2.1.0”, but the bundle says “1.2.1”: name it Paneforge-1.2.1.dmg");
+        row("malformed version", file("Paneforge-v1.2.1.dmg"),
+            "“v1.2.1” is not a version: write it without the leading “v”");
+        row("hyphenated pre-release", file("Paneforge-1.2.1-rc.1.dmg"),
+            "“1.2.1-rc.1” is not a version: Sparkle ignores everything from a hyphen on; write a "
+            "pre-release as 1.2b1 or 1.2rc1");
+        row("other name", file("paneforge-1.2.1.dmg"), "not named Paneforge-<version>.dmg");
+        row("upper-case extension", file("Paneforge-1.2.1.DMG"),
+            "not named Paneforge-<version>.dmg");
+    }
+
+    void offenders() {
+        QFETCH(Entries, entries);
+        QFETCH(QString, bundleVersion);
+        QFETCH(QString, offender);
+        const ReleaseFolderVerdict verdict = checkReleaseFolder(entries, bundleVersion);
+        QCOMPARE(verdict.publishable, QStringList{"Paneforge-1.2.1.dmg"});
+        QCOMPARE(verdict.offenders.size(), std::size_t(1));
+        QCOMPARE(verdict.offenders[0].name + ": " + verdict.offenders[0].reason, offender);
+        QVERIFY(!verdict.missing);
+        QVERIFY(!verdict.ok());
+    }
+
+    void cleanFolder() {
+        const ReleaseFolderVerdict verdict =
+            checkReleaseFolder({file("Paneforge-2.0rc1.dmg")}, "2.0rc1");
+        QVERIFY(verdict.ok());
+        QCOMPARE(verdict.publishable, QStringList{"Paneforge-2.0rc1.dmg"});
+        QVERIFY(verdict.offenders.empty());
+    }
+
+    void namesEveryOffenderInOrder() {
+        const ReleaseFolderVerdict verdict =
+            checkReleaseFolder({file("b-debug.dmg"), file("Paneforge-1.0.dmg", 0),
+                                folder("Paneforge.app"), file(".DS_Store")},
+                               "1.0");
+        QVERIFY(verdict.publishable.isEmpty());
+        const std::vector<ReleaseOffender> expected = {
+            {".DS_Store", "a hidden file"},
+            {"Paneforge-1.0.dmg", "an empty file"},
+            {"Paneforge.app", "an application bundle: publish its disk image instead"},
+            {"b-debug.dmg", "a debug build"},
+        };
+        QCOMPARE(verdict.offenders, expected);
+        QCOMPARE(verdict.missing, std::optional<QString>("there is no Paneforge-1.0.dmg"));
+    }
+
+    void emptyFolder() {
+        const ReleaseFolderVerdict verdict = checkReleaseFolder({}, "1.0");
+        QVERIFY(!verdict.ok());
+        QVERIFY(verdict.offenders.empty());
+        QVERIFY(verdict.missing.has_value());
+    }
+
+    void malformedBundleVersion() {
+        QVERIFY_THROWS_EXCEPTION(ReleaseVersionError,
+                                 checkReleaseFolder({file("Paneforge-1.0.dmg")}, "1.0-beta"));
+    }
+
+    void diskImageNames() { QCOMPARE(diskImageName("1.2.1"), QString("Paneforge-1.2.1.dmg")); }
+
+    void readsInfoPlist() {
+        const QByteArray plist = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                 "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                                 "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                                 "<plist version=\"1.0\">\n"
+                                 "<dict>\n"
+                                 "\t<!-- a comment -->\n"
+                                 "\t<key>CFBundleShortVersionString</key>\n"
+                                 "\t<string> 1.2.1 </string>\n"
+                                 "\t<key>LSUIElement</key>\n"
+                                 "\t<true/>\n"
+                                 "\t<key>Count</key>\n"
+                                 "\t<integer>3</integer>\n"
+                                 "\t<key>List</key>\n"
+                                 "\t<array><string>a</string><false/></array>\n"
+                                 "\t<key>Nested</key>\n"
+                                 "\t<dict><key>Inner</key><real>1.5</real></dict>\n"
+                                 "</dict>\n"
+                                 "</plist>\n";
+        const QVariantMap values = readInfoPlist(plist);
+        QCOMPARE(values.value("LSUIElement"), QVariant(true));
+        QCOMPARE(values.value("Count"), QVariant(qlonglong(3)));
+        QCOMPARE(values.value("List"), QVariant(QVariantList{"a", false}));
+        QCOMPARE(values.value("Nested").toMap().value("Inner"), QVariant(1.5));
+        QCOMPARE(infoPlistString(plist, "CFBundleShortVersionString"), QString("1.2.1"));
+
+        const auto problem = [&](const QByteArray& bytes, const QString& key) {
+            try {
+                infoPlistString(bytes, key);
+            } catch (const InfoPlistError& error) {
+                return error.message();
+            }
+            return QString();
+        };
+        QCOMPARE(problem(plist, "CFBundleVersion"), QString("it has no CFBundleVersion"));
+        QCOMPARE(problem(plist, "LSUIElement"), QString("LSUIElement is not a string"));
+        QVERIFY(problem("bplist00\x01", "X").contains("plutil -convert xml1"));
+        QCOMPARE(problem("<html/>", "X"), QString("not a property list"));
+        QVERIFY(problem("<plist><dict><key>A</key>", "A").contains("has no value"));
+        QVERIFY(problem("<plist><dict><key>A</key><string>x</dict></plist>", "A")
+                    .contains("not valid XML"));
+        QVERIFY(problem("<plist><dict><key>A</key><date>x</date></dict></plist>", "A")
+                    .contains("unknown value type <date>"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ReleaseFolderTest)
+#include "tst_release_folder.moc"
