@@ -1,5 +1,7 @@
 #include "platform/macos/mac_accessibility_api.h"
 
+#include "platform/macos/cf_ref.h"
+
 #import <AppKit/AppKit.h>
 #include <ApplicationServices/ApplicationServices.h>
 
@@ -12,17 +14,10 @@ class MacElement final : public AccessibilityElement {
 public:
     explicit MacElement(AXUIElementRef element)
         : element_(element) {} // takes ownership
-    ~MacElement() override {
-        if (element_) {
-            CFRelease(element_);
-        }
-    }
-    MacElement(const MacElement&) = delete;
-    MacElement& operator=(const MacElement&) = delete;
-    AXUIElementRef ref() const { return element_; }
+    AXUIElementRef ref() const { return element_.get(); }
 
 private:
-    AXUIElementRef element_;
+    CFRef<AXUIElementRef> element_;
 };
 
 AXElementRef adopt(AXUIElementRef element) {
@@ -99,12 +94,10 @@ bool MacAccessibilityApi::isProcessTrusted(bool prompt) {
     // kAXTrustedCheckOptionPrompt and a CFBoolean value.
     const void* keys[] = {kAXTrustedCheckOptionPrompt};
     const void* values[] = {prompt ? kCFBooleanTrue : kCFBooleanFalse};
-    CFDictionaryRef options =
-        CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
-                           &kCFTypeDictionaryValueCallBacks);
-    const bool trusted = AXIsProcessTrustedWithOptions(options);
-    CFRelease(options);
-    return trusted;
+    const CFRef<CFDictionaryRef> options(CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1,
+                                                            &kCFTypeDictionaryKeyCallBacks,
+                                                            &kCFTypeDictionaryValueCallBacks));
+    return AXIsProcessTrustedWithOptions(options.get());
 }
 
 AXElementRef MacAccessibilityApi::systemWideElement() {
@@ -112,19 +105,15 @@ AXElementRef MacAccessibilityApi::systemWideElement() {
 }
 
 AXResult MacAccessibilityApi::elementAtPosition(float x, float y) {
-    AXUIElementRef systemWide = AXUIElementCreateSystemWide();
-    AXUIElementRef element = nullptr;
+    const CFRef<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
+    CFRef<AXUIElementRef> element;
     // AXUIElement.h: AXUIElementCopyElementAtPosition(AXUIElementRef, float x, float y,
     // AXUIElementRef*)
-    const AXError error = AXUIElementCopyElementAtPosition(systemWide, x, y, &element);
-    CFRelease(systemWide);
+    const AXError error = AXUIElementCopyElementAtPosition(systemWide.get(), x, y, element.out());
     if (error != kAXErrorSuccess) {
-        if (element) {
-            CFRelease(element);
-        }
         return {static_cast<std::int32_t>(error), std::monostate{}};
     }
-    return {ax_error::kSuccess, adopt(element)};
+    return {ax_error::kSuccess, adopt(element.release())};
 }
 
 AXResult MacAccessibilityApi::copyAttribute(const AXElementRef& element, const QString& name) {
@@ -132,16 +121,12 @@ AXResult MacAccessibilityApi::copyAttribute(const AXElementRef& element, const Q
     if (!ref) {
         return {ax_error::kFailure, std::monostate{}};
     }
-    CFStringRef attribute = cfString(name);
-    CFTypeRef value = nullptr;
-    const AXError error = AXUIElementCopyAttributeValue(ref, attribute, &value);
-    CFRelease(attribute);
+    const CFRef<CFStringRef> attribute(cfString(name));
+    CFRef<CFTypeRef> value;
+    const AXError error = AXUIElementCopyAttributeValue(ref, attribute.get(), value.out());
     AXResult result{static_cast<std::int32_t>(error), std::monostate{}};
     if (error == kAXErrorSuccess) {
-        result.value = convert(value);
-    }
-    if (value) {
-        CFRelease(value);
+        result.value = convert(value.get());
     }
     return result;
 }
@@ -152,24 +137,22 @@ std::int32_t MacAccessibilityApi::setAttribute(const AXElementRef& element, cons
     if (!ref) {
         return ax_error::kFailure;
     }
-    CFTypeRef cfValue = nullptr;
+    CFRef<CFTypeRef> cfValue;
     if (const auto* point = std::get_if<DesktopPoint>(&value)) {
         const CGPoint cgPoint = CGPointMake(point->x, point->y);
-        cfValue = AXValueCreate(kAXValueTypeCGPoint, &cgPoint);
+        cfValue = CFRef<CFTypeRef>(AXValueCreate(kAXValueTypeCGPoint, &cgPoint));
     } else if (const auto* size = std::get_if<DesktopSize>(&value)) {
         const CGSize cgSize = CGSizeMake(size->width, size->height);
-        cfValue = AXValueCreate(kAXValueTypeCGSize, &cgSize);
+        cfValue = CFRef<CFTypeRef>(AXValueCreate(kAXValueTypeCGSize, &cgSize));
     } else if (const auto* flag = std::get_if<bool>(&value)) {
-        cfValue = CFRetain(*flag ? kCFBooleanTrue : kCFBooleanFalse);
+        cfValue = CFRef<CFTypeRef>(CFRetain(*flag ? kCFBooleanTrue : kCFBooleanFalse));
     }
     if (!cfValue) {
         return ax_error::kFailure; // the value could not be created
     }
-    CFStringRef attribute = cfString(name);
-    const AXError error = AXUIElementSetAttributeValue(ref, attribute, cfValue);
-    CFRelease(attribute);
-    CFRelease(cfValue);
-    return static_cast<std::int32_t>(error);
+    const CFRef<CFStringRef> attribute(cfString(name));
+    return static_cast<std::int32_t>(
+        AXUIElementSetAttributeValue(ref, attribute.get(), cfValue.get()));
 }
 
 std::int32_t MacAccessibilityApi::processId(const AXElementRef& element) {

@@ -1,5 +1,7 @@
 #include "platform/macos/mac_display_api.h"
 
+#include "platform/macos/cf_ref.h"
+
 #import <AppKit/AppKit.h>
 #include <CoreGraphics/CoreGraphics.h>
 #include <IOKit/IOKitLib.h>
@@ -16,18 +18,14 @@ DesktopRect fromNSRect(NSRect rect) {
 // An integer registry property, -1 when missing or not a number.
 std::optional<std::int64_t> registryNumber(io_service_t service, CFStringRef key) {
     // IOKitLib.h: IORegistryEntryCreateCFProperty(entry, key, allocator, options)
-    CFTypeRef value = IORegistryEntryCreateCFProperty(service, key, kCFAllocatorDefault, 0);
-    std::optional<std::int64_t> result;
-    if (value && CFGetTypeID(value) == CFNumberGetTypeID()) {
-        std::int64_t number = 0;
-        if (CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &number)) {
-            result = number;
-        }
+    const CFRef<CFTypeRef> value(
+        IORegistryEntryCreateCFProperty(service, key, kCFAllocatorDefault, 0));
+    std::int64_t number = 0;
+    if (value && CFGetTypeID(value.get()) == CFNumberGetTypeID() &&
+        CFNumberGetValue(static_cast<CFNumberRef>(value.get()), kCFNumberSInt64Type, &number)) {
+        return number;
     }
-    if (value) {
-        CFRelease(value);
-    }
-    return result;
+    return std::nullopt;
 }
 
 } // namespace
@@ -119,13 +117,13 @@ std::optional<std::vector<RegistryDisplay>> MacDisplayApi::registryDisplays() {
 std::optional<LocalizedNames> MacDisplayApi::productNames(std::uint64_t handle) {
     // IOGraphicsLib.h: IODisplayCreateInfoDictionary(framebuffer, options), here with
     // kIODisplayOnlyPreferredName (512).
-    CFDictionaryRef info = IODisplayCreateInfoDictionary(static_cast<io_service_t>(handle),
-                                                         kIODisplayOnlyPreferredName);
+    const CFRef<CFDictionaryRef> info(IODisplayCreateInfoDictionary(
+        static_cast<io_service_t>(handle), kIODisplayOnlyPreferredName));
     if (!info) {
         return std::nullopt;
     }
     std::optional<LocalizedNames> names;
-    CFTypeRef value = CFDictionaryGetValue(info, CFSTR(kDisplayProductName));
+    CFTypeRef value = CFDictionaryGetValue(info.get(), CFSTR(kDisplayProductName));
     if (value && CFGetTypeID(value) == CFDictionaryGetTypeID()) {
         names = LocalizedNames{};
         NSDictionary* dictionary = (__bridge NSDictionary*)value;
@@ -136,7 +134,6 @@ std::optional<LocalizedNames> MacDisplayApi::productNames(std::uint64_t handle) 
             }
         }
     }
-    CFRelease(info);
     return names;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/macos/mac_event_tap_api.h"
 
+#include "platform/macos/cf_ref.h"
+
 #import <AppKit/AppKit.h>
 #include <ApplicationServices/ApplicationServices.h>
 
@@ -35,43 +37,42 @@ CGEventRef tapCallback(CGEventTapProxy, CGEventType type, CGEventRef event, void
 
 class MacEventTap final : public EventTapHandle {
 public:
-    MacEventTap(CFMachPortRef port, std::unique_ptr<TapContext> context)
-        : port_(port)
+    MacEventTap(CFRef<CFMachPortRef> port, std::unique_ptr<TapContext> context)
+        : port_(std::move(port))
         , context_(std::move(context)) {}
     ~MacEventTap() override {
         removeSource();
         // CGEvent.h: releasing the port releases the tap; invalidating first stops callbacks.
-        CFMachPortInvalidate(port_);
-        CFRelease(port_);
+        CFMachPortInvalidate(port_.get());
     }
     MacEventTap(const MacEventTap&) = delete;
     MacEventTap& operator=(const MacEventTap&) = delete;
 
-    CFMachPortRef port() const { return port_; }
+    CFMachPortRef port() const { return port_.get(); }
 
     bool addSource() {
         if (!source_) {
-            source_ = CFMachPortCreateRunLoopSource(kCFAllocatorDefault, port_, 0);
+            source_ = CFRef<CFRunLoopSourceRef>(
+                CFMachPortCreateRunLoopSource(kCFAllocatorDefault, port_.get(), 0));
             if (!source_) {
                 return false;
             }
-            CFRunLoopAddSource(CFRunLoopGetMain(), source_, kCFRunLoopCommonModes);
+            CFRunLoopAddSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
         }
         return true;
     }
 
     void removeSource() {
         if (source_) {
-            CFRunLoopRemoveSource(CFRunLoopGetMain(), source_, kCFRunLoopCommonModes);
-            CFRelease(source_);
-            source_ = nullptr;
+            CFRunLoopRemoveSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
+            source_.reset();
         }
     }
 
 private:
-    CFMachPortRef port_;
+    CFRef<CFMachPortRef> port_;
     std::unique_ptr<TapContext> context_;
-    CFRunLoopSourceRef source_ = nullptr;
+    CFRef<CFRunLoopSourceRef> source_;
 };
 
 MacEventTap* macTap(EventTapHandle& tap) {
@@ -96,13 +97,13 @@ std::unique_ptr<EventTapHandle> MacEventTapApi::createTap(std::uint64_t mask,
     auto context = std::make_unique<TapContext>(TapContext{std::move(handler)});
     // CGEvent.h: CGEventTapCreate(location, placement, options, mask, callback, userInfo);
     // none without the permission.
-    CFMachPortRef port =
+    CFRef<CFMachPortRef> port(
         CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionListenOnly,
-                         static_cast<CGEventMask>(mask), &tapCallback, context.get());
+                         static_cast<CGEventMask>(mask), &tapCallback, context.get()));
     if (!port) {
         return nullptr;
     }
-    return std::make_unique<MacEventTap>(port, std::move(context));
+    return std::make_unique<MacEventTap>(std::move(port), std::move(context));
 }
 
 bool MacEventTapApi::startDelivery(EventTapHandle& tap) {

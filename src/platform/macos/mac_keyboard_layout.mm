@@ -1,5 +1,7 @@
 #include "platform/macos/mac_keyboard_layout.h"
 
+#include "platform/macos/cf_ref.h"
+
 #include <Carbon/Carbon.h>
 
 namespace paneforge {
@@ -12,17 +14,14 @@ constexpr UniCharCount kMaxCharacters = 8;
 class MacKeyboardLayout final : public KeyboardLayout {
 public:
     // Takes over the reference of a TIS...Copy call.
-    MacKeyboardLayout(TISInputSourceRef source, const UCKeyboardLayout* layout)
-        : source_(source)
+    MacKeyboardLayout(CFRef<TISInputSourceRef> source, const UCKeyboardLayout* layout)
+        : source_(std::move(source))
         , layout_(layout) {}
-    ~MacKeyboardLayout() override { CFRelease(source_); }
-    MacKeyboardLayout(const MacKeyboardLayout&) = delete;
-    MacKeyboardLayout& operator=(const MacKeyboardLayout&) = delete;
 
     const UCKeyboardLayout* layout() const { return layout_; }
 
 private:
-    TISInputSourceRef source_;
+    CFRef<TISInputSourceRef> source_;
     const UCKeyboardLayout* layout_;
 };
 
@@ -30,19 +29,18 @@ private:
 
 std::shared_ptr<const KeyboardLayout> MacKeyboardLayoutProvider::currentLayout() const {
     // TextInputSources.h: a Copy call, so the source is released by the layout.
-    TISInputSourceRef source = TISCopyCurrentKeyboardLayoutInputSource();
+    CFRef<TISInputSourceRef> source(TISCopyCurrentKeyboardLayoutInputSource());
     if (!source) {
         return nullptr;
     }
     // TextInputSources.h: a Get call; the CFDataRef belongs to the source.
-    const auto data =
-        static_cast<CFDataRef>(TISGetInputSourceProperty(source, kTISPropertyUnicodeKeyLayoutData));
+    const auto data = static_cast<CFDataRef>(
+        TISGetInputSourceProperty(source.get(), kTISPropertyUnicodeKeyLayoutData));
     if (!data || CFDataGetLength(data) <= 0) {
-        CFRelease(source);
         return nullptr;
     }
     return std::make_shared<const MacKeyboardLayout>(
-        source, reinterpret_cast<const UCKeyboardLayout*>(CFDataGetBytePtr(data)));
+        std::move(source), reinterpret_cast<const UCKeyboardLayout*>(CFDataGetBytePtr(data)));
 }
 
 std::optional<QString> MacKeyTranslator::translate(std::uint32_t keyCode,
