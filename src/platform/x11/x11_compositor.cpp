@@ -1,7 +1,6 @@
 #include "platform/x11/x11_compositor.h"
 
-#include <cstdlib>
-#include <memory>
+#include "platform/x11/xcb_client.h"
 
 namespace paneforge {
 
@@ -11,10 +10,8 @@ bool hasCompositingManager(X11Connection& connection) {
     }
     const QByteArray selection = "_NET_WM_CM_S" + QByteArray::number(connection.screenNumber());
     xcb_connection_t* c = connection.raw();
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> reply(
-        xcb_get_selection_owner_reply(
-            c, xcb_get_selection_owner(c, connection.atom(selection.constData())), nullptr),
-        &std::free);
+    const auto reply = owned(xcb_get_selection_owner_reply(
+        c, xcb_get_selection_owner(c, connection.atom(selection.constData())), nullptr));
     return reply && reply->owner != XCB_NONE;
 }
 

@@ -1,45 +1,17 @@
 #include "platform/x11/x11_connection.h"
 
-#include <cstdlib>
 #include <cstring>
 
 namespace paneforge {
 
-namespace {
-template <typename T> using Reply = std::unique_ptr<T, decltype(&std::free)>;
-template <typename T> Reply<T> reply(T* raw) {
-    return Reply<T>(raw, &std::free);
-}
-} // namespace
-
-X11Connection::X11Connection() {
-    int screenNumber = 0;
-    xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
-    if (xcb_connection_has_error(connection)) {
-        xcb_disconnect(connection);
-        return;
-    }
-    connection_ = connection;
-    auto iterator = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (int i = 0; i < screenNumber && iterator.rem; ++i) {
-        xcb_screen_next(&iterator);
-    }
-    screen_ = iterator.data;
-    screenNumber_ = screenNumber;
-    root_ = screen_ ? screen_->root : xcb_window_t{XCB_NONE};
-}
-
-X11Connection::~X11Connection() {
-    if (connection_) {
-        xcb_disconnect(connection_);
-    }
-}
+X11Connection::X11Connection()
+    : client_(nullptr) {}
 
 int X11Connection::rootWidth() const {
-    return screen_ ? screen_->width_in_pixels : 0;
+    return client_.screen() ? client_.screen()->width_in_pixels : 0;
 }
 int X11Connection::rootHeight() const {
-    return screen_ ? screen_->height_in_pixels : 0;
+    return client_.screen() ? client_.screen()->height_in_pixels : 0;
 }
 
 xcb_atom_t X11Connection::atom(const char* name) {
@@ -47,9 +19,9 @@ xcb_atom_t X11Connection::atom(const char* name) {
     if (const auto it = atoms_.constFind(key); it != atoms_.constEnd()) {
         return *it;
     }
-    auto answer = reply(xcb_intern_atom_reply(
-        connection_,
-        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
+    auto answer = owned(xcb_intern_atom_reply(
+        client_.get(),
+        xcb_intern_atom(client_.get(), 0, static_cast<std::uint16_t>(std::strlen(name)), name),
         nullptr));
     const xcb_atom_t value = answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
     atoms_.insert(key, value);
@@ -57,8 +29,8 @@ xcb_atom_t X11Connection::atom(const char* name) {
 }
 
 QString X11Connection::atomName(xcb_atom_t atom) {
-    auto answer =
-        reply(xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, atom), nullptr));
+    auto answer = owned(
+        xcb_get_atom_name_reply(client_.get(), xcb_get_atom_name(client_.get(), atom), nullptr));
     if (!answer) {
         return {};
     }
@@ -68,8 +40,8 @@ QString X11Connection::atomName(xcb_atom_t atom) {
 
 QByteArray X11Connection::rawProperty(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
                                       std::uint32_t maxLength) {
-    auto answer = reply(xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, window, property, type, 0, maxLength),
+    auto answer = owned(xcb_get_property_reply(
+        client_.get(), xcb_get_property(client_.get(), 0, window, property, type, 0, maxLength),
         nullptr));
     if (!answer || answer->type == XCB_ATOM_NONE) {
         return {};
@@ -115,9 +87,9 @@ std::optional<QString> X11Connection::utf8Property(xcb_window_t window, const ch
 }
 
 bool X11Connection::hasProperty(xcb_window_t window, const char* property) {
-    auto answer = reply(xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, window, atom(property), XCB_ATOM_ANY, 0, 0),
-        nullptr));
+    auto answer = owned(xcb_get_property_reply(
+        client_.get(),
+        xcb_get_property(client_.get(), 0, window, atom(property), XCB_ATOM_ANY, 0, 0), nullptr));
     return answer && answer->type != XCB_ATOM_NONE;
 }
 
@@ -129,13 +101,13 @@ void X11Connection::sendRootMessage(xcb_window_t window, const char* type,
     event.window = window;
     event.type = atom(type);
     std::memcpy(event.data.data32, data, sizeof data);
-    xcb_send_event(connection_, 0, root_,
+    xcb_send_event(client_.get(), 0, root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&event));
 }
 
 void X11Connection::flush() {
-    xcb_flush(connection_);
+    xcb_flush(client_.get());
 }
 
 } // namespace paneforge

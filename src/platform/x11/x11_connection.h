@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/x11/xcb_client.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -17,14 +19,11 @@ class X11Connection {
 public:
     // Connects to $DISPLAY; isValid() tells whether that worked.
     X11Connection();
-    ~X11Connection();
-    X11Connection(const X11Connection&) = delete;
-    X11Connection& operator=(const X11Connection&) = delete;
 
-    bool isValid() const { return connection_ != nullptr; }
-    xcb_connection_t* raw() const { return connection_; }
-    xcb_window_t root() const { return root_; }
-    int screenNumber() const { return screenNumber_; }
+    bool isValid() const { return client_.isValid(); }
+    xcb_connection_t* raw() const { return client_.get(); }
+    xcb_window_t root() const { return client_.root(); }
+    int screenNumber() const { return client_.screenNumber(); }
     int rootWidth() const;
     int rootHeight() const;
 
@@ -46,10 +45,7 @@ public:
     void flush();
 
 private:
-    xcb_connection_t* connection_ = nullptr;
-    xcb_window_t root_ = XCB_NONE;
-    xcb_screen_t* screen_ = nullptr;
-    int screenNumber_ = 0;
+    XcbClient client_;
     QHash<QByteArray, xcb_atom_t> atoms_;
 };
 

@@ -9,7 +9,6 @@
 #include <QHash>
 #include <QScreen>
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <xcb/randr.h>
 
 namespace paneforge {
@@ -23,10 +22,6 @@ std::uint32_t fnv1a(const QByteArray& bytes) {
         hash *= 16777619u;
     }
     return hash;
-}
-
-template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T* raw) {
-    return std::unique_ptr<T, decltype(&std::free)>(raw, &std::free);
 }
 
 } // namespace

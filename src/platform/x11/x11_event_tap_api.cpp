@@ -3,9 +3,9 @@
 #include "core/input/hotkey_formatter.h"
 #include "platform/x11/x11_desktop_space.h"
 #include "platform/x11/x11_modifier_tracker.h"
+#include "platform/x11/xcb_client.h"
 
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -15,16 +15,10 @@ namespace {
 
 constexpr std::uint8_t kLeftButton = 1;
 
-template <typename T> using XcbReply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T> XcbReply<T> adopt(T* reply) {
-    return XcbReply<T>(reply, &std::free);
-}
-
 // The X modifier state now: the modifiers held before a tap starts.
 std::uint16_t modifierStateNow(xcb_connection_t* connection, xcb_window_t root) {
     const auto reply =
-        adopt(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+        owned(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
     return reply ? static_cast<std::uint16_t>(reply->mask & 0xff) : 0;
 }
 
@@ -33,20 +27,18 @@ std::uint16_t modifierStateNow(xcb_connection_t* connection, xcb_window_t root) 
 // from under the loop that called it; the loop stops once the tap is closed.
 class RawEventReader {
 public:
-    RawEventReader(xcb_connection_t* connection, xcb_window_t root, std::uint8_t xinputOpcode,
-                   std::uint64_t mask, InputEventHandler handler, Logger logger)
-        : connection_(connection)
-        , root_(root)
+    RawEventReader(XcbClient client, std::uint8_t xinputOpcode, std::uint64_t mask,
+                   InputEventHandler handler, Logger logger)
+        : client_(std::move(client))
+        , connection_(client_.get())
+        , root_(client_.root())
         , xinputOpcode_(xinputOpcode)
         , mask_(mask)
         , handler_(std::move(handler))
         , logger_(std::move(logger))
-        , modifiers_(X11ModifierBits::read(connection), modifierStateNow(connection, root)) {}
+        , modifiers_(X11ModifierBits::read(connection_), modifierStateNow(connection_, root_)) {}
 
-    ~RawEventReader() {
-        notifier_.reset();
-        xcb_disconnect(connection_);
-    }
+    ~RawEventReader() { notifier_.reset(); }
 
     RawEventReader(const RawEventReader&) = delete;
     RawEventReader& operator=(const RawEventReader&) = delete;
@@ -101,7 +93,7 @@ public:
                     break;
                 }
             }
-            const auto event = adopt(raw);
+            const auto event = owned(raw);
             const std::uint8_t responseType = event->response_type & 0x7f;
             if (responseType == XCB_MAPPING_NOTIFY) {
                 // Another keyboard, xmodmap or a new layout: modifiers may sit elsewhere now. (The
@@ -164,7 +156,7 @@ private:
     };
 
     std::optional<Pointer> queryPointer() {
-        const auto reply = adopt(
+        const auto reply = owned(
             xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr));
         if (!reply) {
             return std::nullopt;
@@ -198,6 +190,7 @@ private:
         handler_(event);
     }
 
+    XcbClient client_;
     xcb_connection_t* connection_;
     xcb_window_t root_;
     std::uint8_t xinputOpcode_;
@@ -245,24 +238,22 @@ void X11EventTapApi::systemLog(const QString& message) {
 
 std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t mask,
                                                           InputEventHandler handler) {
-    int screenNumber = 0;
-    xcb_connection_t* connection =
-        xcb_connect(displayName_ ? displayName_->constData() : nullptr, &screenNumber);
+    XcbClient client(displayName_ ? displayName_->constData() : nullptr);
     const auto fail = [&](const QString& message) -> std::unique_ptr<EventTapHandle> {
         logger_.error(QStringLiteral("X11EventTapApi: ") + message);
-        xcb_disconnect(connection);
         return nullptr;
     };
-    if (xcb_connection_has_error(connection)) {
+    if (!client.isValid()) {
         return fail(QStringLiteral("cannot connect to the X server"));
     }
+    xcb_connection_t* connection = client.get();
 
     const xcb_query_extension_reply_t* extension =
         xcb_get_extension_data(connection, &xcb_input_id);
     if (!extension || !extension->present) {
         return fail(QStringLiteral("the X server has no XInput extension"));
     }
-    const auto version = adopt(xcb_input_xi_query_version_reply(
+    const auto version = owned(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
     if (!version || version->major_version < 2 ||
         (version->major_version == 2 && version->minor_version < 1)) {
@@ -271,14 +262,10 @@ std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t mask,
                         .arg(version ? version->minor_version : 0));
     }
 
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (int i = 0; i < screenNumber && screens.rem > 0; ++i) {
-        xcb_screen_next(&screens);
+    const xcb_window_t root = client.root();
+    if (root == XCB_NONE) {
+        return fail(QStringLiteral("no screen %1").arg(client.screenNumber()));
     }
-    if (screens.rem == 0) {
-        return fail(QStringLiteral("no screen %1").arg(screenNumber));
-    }
-    const xcb_window_t root = screens.data->root;
 
     // One event mask of one 32-bit word, for all master devices.
     struct {
@@ -291,15 +278,15 @@ std::unique_ptr<EventTapHandle> X11EventTapApi::createTap(std::uint64_t mask,
                      XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
                      XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS |
                      XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-    if (auto* error = xcb_request_check(
-            connection, xcb_input_xi_select_events_checked(connection, root, 1, &selection.head))) {
-        const int code = error->error_code;
-        std::free(error);
-        return fail(QStringLiteral("selecting raw events failed, X error %1").arg(code));
+    if (const auto error =
+            owned(xcb_request_check(connection, xcb_input_xi_select_events_checked(
+                                                    connection, root, 1, &selection.head)))) {
+        return fail(
+            QStringLiteral("selecting raw events failed, X error %1").arg(error->error_code));
     }
 
     return std::make_unique<X11EventTap>(std::make_shared<RawEventReader>(
-        connection, root, extension->major_opcode, mask, std::move(handler), logger_));
+        std::move(client), extension->major_opcode, mask, std::move(handler), logger_));
 }
 
 bool X11EventTapApi::startDelivery(EventTapHandle& tap) {

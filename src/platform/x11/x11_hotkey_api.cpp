@@ -4,7 +4,6 @@
 #include "platform/x11/xcb_xkb.h"
 
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <optional>
 
 namespace paneforge {
@@ -15,34 +14,27 @@ constexpr std::uint16_t kButtonBits = 0xff00;
 } // namespace
 
 X11HotkeyApi::X11HotkeyApi(const char* displayName)
-    : logger_(LoggerFactory::makeLogger(QStringLiteral("X11HotkeyApi"))) {
-    int screenNumber = 0;
-    xcb_connection_t* connection = xcb_connect(displayName, &screenNumber);
-    if (xcb_connection_has_error(connection)) {
-        xcb_disconnect(connection);
+    : logger_(LoggerFactory::makeLogger(QStringLiteral("X11HotkeyApi")))
+    , client_(displayName)
+    , connection_(client_.get())
+    , root_(client_.root()) {
+    if (!client_.isValid()) {
         logger_.error(QStringLiteral("X11HotkeyApi: cannot connect to the X server"));
         return;
     }
-    connection_ = connection;
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (int i = 0; i < screenNumber && screens.rem > 0; ++i) {
-        xcb_screen_next(&screens);
-    }
-    root_ = screens.rem > 0 ? screens.data->root : xcb_window_t{XCB_NONE};
 
     // With detectable auto-repeat a held key sends presses without releases in between, so a
     // repeat can be told from a new press.
-    auto* xkb =
-        xcb_xkb_use_extension_reply(connection_, xcb_xkb_use_extension(connection_, 1, 0), nullptr);
+    const auto xkb = owned(xcb_xkb_use_extension_reply(
+        connection_, xcb_xkb_use_extension(connection_, 1, 0), nullptr));
     if (xkb && xkb->supported) {
-        std::free(xcb_xkb_per_client_flags_reply(
+        owned(xcb_xkb_per_client_flags_reply(
             connection_,
             xcb_xkb_per_client_flags(connection_, XCB_XKB_ID_USE_CORE_KBD,
                                      XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
                                      XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0),
             nullptr));
     }
-    std::free(xkb);
 
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
                                                   QSocketNotifier::Read);
@@ -51,14 +43,11 @@ X11HotkeyApi::X11HotkeyApi(const char* displayName)
 }
 
 X11HotkeyApi::~X11HotkeyApi() {
-    notifier_.reset();
-    if (connection_) {
-        xcb_disconnect(connection_); // the server drops this client's grabs with it
-    }
+    notifier_.reset(); // the client then closes the connection, and the server drops its grabs
 }
 
 bool X11HotkeyApi::isConnected() const {
-    return connection_ && !xcb_connection_has_error(connection_) && root_ != XCB_NONE;
+    return client_.isValid() && root_ != XCB_NONE;
 }
 
 void X11HotkeyApi::installHandler(std::function<void(std::uint32_t id)> onPressed) {
@@ -105,9 +94,8 @@ HotkeyApi::Registration X11HotkeyApi::registerHotKey(std::uint32_t keyCode, std:
     }
     std::optional<std::uint8_t> failure;
     for (std::size_t i = 0; i < cookies.size(); ++i) {
-        if (auto* error = xcb_request_check(connection_, cookies[i])) {
+        if (const auto error = owned(xcb_request_check(connection_, cookies[i]))) {
             failure = failure.value_or(error->error_code);
-            std::free(error);
         } else {
             grab.variants.push_back(variants[i]);
         }
@@ -168,13 +156,12 @@ void X11HotkeyApi::processPendingEvents() {
     if (!connection_) {
         return;
     }
-    while (auto* event = xcb_poll_for_event(connection_)) {
+    while (const auto event = owned(xcb_poll_for_event(connection_))) {
         const std::uint8_t type = event->response_type & 0x7f;
         if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
-            const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event);
+            const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event.get());
             handleKey(type, key->detail, key->state);
         }
-        std::free(event);
     }
     if (xcb_connection_has_error(connection_) && notifier_->isEnabled()) {
         // A dead connection stays readable: stop listening rather than spin.

@@ -3,6 +3,7 @@
 #include "app/input/hotkey_manager.h"
 #include "core/diagnostics/logger_factory.h"
 #include "platform/x11/x11_modifier_bits.h"
+#include "platform/x11/xcb_client.h"
 
 #include <map>
 #include <memory>
@@ -53,8 +54,9 @@ private:
     void handleKey(std::uint8_t responseType, std::uint8_t keycode, std::uint16_t state);
 
     Logger logger_;
-    xcb_connection_t* connection_ = nullptr;
-    xcb_window_t root_ = XCB_NONE;
+    XcbClient client_;
+    xcb_connection_t* connection_; // client_'s, for brevity
+    xcb_window_t root_;
     X11ModifierBits modifierBits_;
     std::unique_ptr<QSocketNotifier> notifier_;
     std::shared_ptr<std::function<void(std::uint32_t)>> handler_;

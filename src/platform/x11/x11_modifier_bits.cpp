@@ -1,8 +1,8 @@
 #include "platform/x11/x11_modifier_bits.h"
 
 #include "core/input/hotkey_definition.h"
+#include "platform/x11/xcb_client.h"
 
-#include <cstdlib>
 #include <memory>
 #include <xcb/xcb_keysyms.h>
 
@@ -20,9 +20,8 @@ constexpr xcb_keysym_t kSuperR = 0xffec;
 
 X11ModifierBits X11ModifierBits::read(xcb_connection_t* connection) {
     X11ModifierBits bits;
-    std::unique_ptr<xcb_get_modifier_mapping_reply_t, decltype(&std::free)> reply(
-        xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr),
-        &std::free);
+    const auto reply = owned(
+        xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
     if (!reply) {
         return bits;
     }

@@ -1,6 +1,7 @@
 #include "platform/x11/x11_platform.h"
 
 #include "platform/x11/x11_compositor.h"
+#include "platform/x11/xcb_client.h"
 
 #include <QtGlobal>
 
@@ -38,11 +39,7 @@ std::optional<QString> prepareAgentProcess() {
                               "none.");
     }
     // Qt ends the process when it cannot reach the display; ask first and say why instead.
-    int screen = 0;
-    xcb_connection_t* probe = xcb_connect(nullptr, &screen);
-    const bool reachable = xcb_connection_has_error(probe) == 0;
-    xcb_disconnect(probe);
-    if (!reachable) {
+    if (!XcbClient(nullptr).isValid()) {
         return QStringLiteral("cannot connect to the X11 display %1. Is the X server running, and "
                               "may this user connect to it?")
             .arg(qEnvironmentVariable("DISPLAY"));

@@ -8,7 +8,6 @@
 #include <QRect>
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -21,10 +20,6 @@ struct X11Window final : WindowElement {
         : client(w) {}
     xcb_window_t client;
 };
-
-template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T* raw) {
-    return std::unique_ptr<T, decltype(&std::free)>(raw, &std::free);
-}
 
 // _NET_MOVERESIZE_WINDOW flags: NorthWest gravity (x, y name the outer frame's corner), which of
 // x, y, width and height are given, and "sent by a tool on the user's behalf".

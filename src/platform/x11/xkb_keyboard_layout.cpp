@@ -16,22 +16,20 @@ XkbKeyboardLayout::~XkbKeyboardLayout() {
     xkb_keymap_unref(keymap_);
 }
 
-XkbKeyboardLayoutProvider::XkbKeyboardLayoutProvider(const char* displayName) {
+XkbKeyboardLayoutProvider::XkbKeyboardLayoutProvider(const char* displayName)
+    : client_(displayName) {
     const auto logger = LoggerFactory::makeLogger(QStringLiteral("XkbKeyboardLayout"));
-    xcb_connection_t* connection = xcb_connect(displayName, nullptr);
-    if (xcb_connection_has_error(connection)) {
-        xcb_disconnect(connection);
+    if (!client_.isValid()) {
         logger.error(QStringLiteral("XkbKeyboardLayout: cannot connect to the X server"));
         return;
     }
-    connection_ = connection;
     if (!xkb_x11_setup_xkb_extension(
-            connection_, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+            client_.get(), XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
             XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr, nullptr)) {
         logger.error(QStringLiteral("XkbKeyboardLayout: the X server has no usable XKB extension"));
         return;
     }
-    deviceId_ = xkb_x11_get_core_keyboard_device_id(connection_);
+    deviceId_ = xkb_x11_get_core_keyboard_device_id(client_.get());
     context_ = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
 }
 
@@ -39,25 +37,22 @@ XkbKeyboardLayoutProvider::~XkbKeyboardLayoutProvider() {
     if (context_) {
         xkb_context_unref(context_);
     }
-    if (connection_) {
-        xcb_disconnect(connection_);
-    }
 }
 
 bool XkbKeyboardLayoutProvider::isConnected() const {
-    return connection_ && context_ && deviceId_ >= 0 && !xcb_connection_has_error(connection_);
+    return client_.isValid() && context_ && deviceId_ >= 0;
 }
 
 std::shared_ptr<const KeyboardLayout> XkbKeyboardLayoutProvider::currentLayout() const {
     if (!isConnected()) {
         return nullptr;
     }
-    xkb_keymap* keymap = xkb_x11_keymap_new_from_device(context_, connection_, deviceId_,
+    xkb_keymap* keymap = xkb_x11_keymap_new_from_device(context_, client_.get(), deviceId_,
                                                         XKB_KEYMAP_COMPILE_NO_FLAGS);
     if (!keymap) {
         return nullptr;
     }
-    xkb_state* state = xkb_x11_state_new_from_device(keymap, connection_, deviceId_);
+    xkb_state* state = xkb_x11_state_new_from_device(keymap, client_.get(), deviceId_);
     if (!state) {
         xkb_keymap_unref(keymap);
         return nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/input/hotkey_formatter.h"
+#include "platform/x11/xcb_client.h"
 
 #include <cstdint>
 #include <memory>
@@ -44,7 +45,7 @@ public:
     std::shared_ptr<const KeyboardLayout> currentLayout() const override;
 
 private:
-    xcb_connection_t* connection_ = nullptr;
+    XcbClient client_;
     xkb_context* context_ = nullptr;
     std::int32_t deviceId_ = -1;
 };
