@@ -2,7 +2,7 @@
 
 namespace paneforge {
 
-HotkeyManager::HotkeyManager(HotkeyApi& api, Scheduler& scheduler, LogSink fileLog)
+HotkeyManager::HotkeyManager(HotkeyApi& api, Scheduler& scheduler, DiagnosticLog fileLog)
     : api_(api)
     , scheduler_(scheduler)
     , fileLog_(std::move(fileLog))

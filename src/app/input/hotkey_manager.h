@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/runtime/scheduler.h"
+#include "core/diagnostics/diagnostic_log.h"
 #include "core/diagnostics/logger_factory.h"
 #include "core/input/hotkey_definition.h"
 
@@ -42,12 +43,11 @@ public:
 class HotkeyManager {
 public:
     using Callback = std::function<void()>;
-    using LogSink = std::function<void(const QString&)>;
 
     static constexpr std::uint32_t kSignature = 0x706E6667; // "pnfg"
 
     // `fileLog` receives the diagnostic lines that also go to the system log.
-    HotkeyManager(HotkeyApi& api, Scheduler& scheduler, LogSink fileLog);
+    HotkeyManager(HotkeyApi& api, Scheduler& scheduler, DiagnosticLog fileLog);
     ~HotkeyManager();
     HotkeyManager(const HotkeyManager&) = delete;
     HotkeyManager& operator=(const HotkeyManager&) = delete;
@@ -67,7 +67,7 @@ private:
 
     HotkeyApi& api_;
     Scheduler& scheduler_;
-    LogSink fileLog_;
+    DiagnosticLog fileLog_;
     Logger systemLog_;
     std::map<std::uint32_t, std::uint64_t> hotKeyRefs_;
     std::map<std::uint32_t, Callback> callbacks_;

@@ -8,6 +8,7 @@
 #include "app/ports/window_service.h"
 #include "app/runtime/scheduler.h"
 #include "app/runtime/screen_diagnostics.h"
+#include "core/diagnostics/diagnostic_log.h"
 #include "core/input/hotkey_formatter.h"
 
 #include <QString>
@@ -47,7 +48,7 @@ public:
 
 struct PlatformContext {
     Scheduler& scheduler;
-    std::function<void(const QString&)> fileLog;
+    DiagnosticLog fileLog;
 };
 
 // Each platform layer defines these two, once.

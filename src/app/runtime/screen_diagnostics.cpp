@@ -4,7 +4,7 @@
 
 namespace paneforge {
 
-ScreenDiagnostics::ScreenDiagnostics(const ScreenListing& listing, LogSink log)
+ScreenDiagnostics::ScreenDiagnostics(const ScreenListing& listing, DiagnosticLog log)
     : listing_(listing)
     , log_(std::move(log)) {}
 

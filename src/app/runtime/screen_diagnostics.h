@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/diagnostics/diagnostic_log.h"
 #include "core/geometry/desktop_geometry.h"
 
 #include <QString>
@@ -30,9 +31,7 @@ public:
 // Writes the screen topology to the diagnostic log at start-up and when a snap starts.
 class ScreenDiagnostics {
 public:
-    using LogSink = std::function<void(const QString&)>;
-
-    ScreenDiagnostics(const ScreenListing& listing, LogSink log);
+    ScreenDiagnostics(const ScreenListing& listing, DiagnosticLog log);
 
     // "ScreenDiagnostics.<reason> count=<n> primaryMaxY=<top of the first screen>", then one
     // line per screen.
@@ -47,7 +46,7 @@ public:
 
 private:
     const ScreenListing& listing_;
-    LogSink log_;
+    DiagnosticLog log_;
 };
 
 } // namespace paneforge

@@ -9,6 +9,7 @@
 #include "app/runtime/screen_diagnostics.h"
 #include "app/runtime/weak_guard.h"
 #include "core/config/config_store.h"
+#include "core/diagnostics/diagnostic_log.h"
 #include "core/geometry/cell_frame_calculator.h"
 #include "core/geometry/cell_selection_state.h"
 #include "core/geometry/coordinate_transformer.h"
@@ -27,7 +28,6 @@ namespace paneforge {
 // Everything the snap controller works with, built by the application.
 struct SnapControllerServices {
     using KeyWindowTitle = std::function<std::optional<QString>()>;
-    using LogSink = std::function<void(const QString&)>;
 
     ConfigStore& configStore;
     DisplayService& displayService;
@@ -41,7 +41,7 @@ struct SnapControllerServices {
     // The title of Paneforge's own key window, if one of its windows has focus.
     KeyWindowTitle keyWindowTitle;
     // The diagnostic log.
-    LogSink log;
+    DiagnosticLog log;
 };
 
 // Watches the global mouse and modifier events. While a window is dragged with one of the two

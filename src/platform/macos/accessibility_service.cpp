@@ -17,7 +17,7 @@ QString orNil(const std::optional<QString>& text) {
 
 } // namespace
 
-AccessibilityService::AccessibilityService(AccessibilityApi& api, LogSink log,
+AccessibilityService::AccessibilityService(AccessibilityApi& api, DiagnosticLog log,
                                            CoordinateTransformer transformer)
     : api_(api)
     , log_(std::move(log))

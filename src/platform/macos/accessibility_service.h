@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ports/window_service.h"
+#include "core/diagnostics/diagnostic_log.h"
 #include "core/geometry/coordinate_transformer.h"
 #include "platform/macos/accessibility_api.h"
 
@@ -14,13 +15,11 @@ namespace paneforge {
 // and setting a frame with the enhanced-user-interface switch off and the position retried.
 class AccessibilityService final : public WindowService {
 public:
-    using LogSink = std::function<void(const QString&)>;
-
     static constexpr int kWalkLimit = 10;
     inline static const QString enhancedUserInterfaceKey =
         QStringLiteral("AXEnhancedUserInterface");
 
-    AccessibilityService(AccessibilityApi& api, LogSink log,
+    AccessibilityService(AccessibilityApi& api, DiagnosticLog log,
                          CoordinateTransformer transformer = {});
 
     bool isTrusted() override;
@@ -54,7 +53,7 @@ private:
     std::int32_t writePoint(const AXElementRef& window, DesktopPoint origin);
 
     AccessibilityApi& api_;
-    LogSink log_;
+    DiagnosticLog log_;
     CoordinateTransformer transformer_;
 };
 

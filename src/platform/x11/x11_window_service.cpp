@@ -194,7 +194,8 @@ struct X11WindowService::FrameRead {
     xcb_translate_coordinates_cookie_t position;
 };
 
-X11WindowService::X11WindowService(X11Connection& connection, Scheduler& scheduler, LogSink log)
+X11WindowService::X11WindowService(X11Connection& connection, Scheduler& scheduler,
+                                   DiagnosticLog log)
     : x_(connection)
     , scheduler_(scheduler)
     , log_(std::move(log)) {}

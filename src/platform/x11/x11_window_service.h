@@ -3,6 +3,7 @@
 #include "app/ports/window_service.h"
 #include "app/runtime/scheduler.h"
 #include "app/runtime/weak_guard.h"
+#include "core/diagnostics/diagnostic_log.h"
 #include "platform/x11/x11_connection.h"
 
 #include <QHash>
@@ -17,12 +18,10 @@ namespace paneforge {
 // answer needs go to the server together, so that each answer costs one round trip.
 class X11WindowService final : public WindowService {
 public:
-    using LogSink = std::function<void(const QString&)>;
-
     // `scheduler` runs the check of where a moved window really went, once the window manager
     // has had a moment to act (a check still queued when the service goes does nothing); `log`
     // receives the diagnostic lines.
-    X11WindowService(X11Connection& connection, Scheduler& scheduler, LogSink log);
+    X11WindowService(X11Connection& connection, Scheduler& scheduler, DiagnosticLog log);
 
     // Nothing on X11 needs a permission.
     bool isTrusted() override { return true; }
@@ -71,7 +70,7 @@ private:
 
     X11Connection& x_;
     Scheduler& scheduler_;
-    LogSink log_;
+    DiagnosticLog log_;
     QHash<xcb_atom_t, QString> typeNames_; // atoms keep their names for the server's life
     // The window types, interned together on first use.
     std::vector<xcb_atom_t> standardTypes_;
