@@ -1,32 +1,28 @@
 #include "app/runtime/notification_center.h"
 
+#include "core/config/name_table.h"
+
 #include <algorithm>
 #include <cstdint>
 
 namespace paneforge {
 
+namespace {
+constexpr auto kNames = nameTable<Notification>({
+    {Notification::HotkeyChanged, "PaneforgeHotkeyChanged"},
+    {Notification::PreferencesHotkeyChanged, "PaneforgePreferencesHotkeyChanged"},
+    {Notification::LayoutSelectorHotkeyChanged, "PaneforgeLayoutSelectorHotkeyChanged"},
+    {Notification::MoveWindowHotkeyChanged, "PaneforgeMoveWindowHotkeyChanged"},
+    {Notification::NextLayoutHotkeyChanged, "PaneforgeNextLayoutHotkeyChanged"},
+    {Notification::PreviousLayoutHotkeyChanged, "PaneforgePreviousLayoutHotkeyChanged"},
+    {Notification::ConfigChanged, "PaneforgeConfigChanged"},
+    {Notification::EventTapInstalled, "PaneforgeEventTapInstalled"},
+    {Notification::ListenEventGrantCleared, "PaneforgeListenEventGrantCleared"},
+});
+} // namespace
+
 QString notificationName(Notification notification) {
-    switch (notification) {
-    case Notification::HotkeyChanged:
-        return QStringLiteral("PaneforgeHotkeyChanged");
-    case Notification::PreferencesHotkeyChanged:
-        return QStringLiteral("PaneforgePreferencesHotkeyChanged");
-    case Notification::LayoutSelectorHotkeyChanged:
-        return QStringLiteral("PaneforgeLayoutSelectorHotkeyChanged");
-    case Notification::MoveWindowHotkeyChanged:
-        return QStringLiteral("PaneforgeMoveWindowHotkeyChanged");
-    case Notification::NextLayoutHotkeyChanged:
-        return QStringLiteral("PaneforgeNextLayoutHotkeyChanged");
-    case Notification::PreviousLayoutHotkeyChanged:
-        return QStringLiteral("PaneforgePreviousLayoutHotkeyChanged");
-    case Notification::ConfigChanged:
-        return QStringLiteral("PaneforgeConfigChanged");
-    case Notification::EventTapInstalled:
-        return QStringLiteral("PaneforgeEventTapInstalled");
-    case Notification::ListenEventGrantCleared:
-        return QStringLiteral("PaneforgeListenEventGrantCleared");
-    }
-    return {};
+    return kNames.nameOf(notification);
 }
 
 struct NotificationCenter::Registry {

@@ -1,5 +1,7 @@
 #include "core/config/json_decoding.h"
 
+#include "core/config/name_table.h"
+
 #include <QCborValue>
 #include <algorithm>
 #include <charconv>
@@ -9,18 +11,14 @@ namespace paneforge {
 
 namespace {
 
+using Kind = JsonDecodingError::Kind;
+constexpr auto kKindTexts = nameTable<Kind>({{Kind::KeyNotFound, "missing key"},
+                                             {Kind::TypeMismatch, "wrong type"},
+                                             {Kind::ValueNotFound, "missing value"},
+                                             {Kind::DataCorrupted, "invalid value"}});
+
 QString kindText(JsonDecodingError::Kind kind) {
-    switch (kind) {
-    case JsonDecodingError::Kind::KeyNotFound:
-        return QStringLiteral("missing key");
-    case JsonDecodingError::Kind::TypeMismatch:
-        return QStringLiteral("wrong type");
-    case JsonDecodingError::Kind::ValueNotFound:
-        return QStringLiteral("missing value");
-    case JsonDecodingError::Kind::DataCorrupted:
-        return QStringLiteral("invalid value");
-    }
-    return {};
+    return kKindTexts.nameOf(kind);
 }
 
 QString displayPath(const QString& path) {

@@ -1,6 +1,7 @@
 #include "core/config/paneforge_config.h"
 
 #include "core/config/json_decoding.h"
+#include "core/config/name_table.h"
 
 #include <array>
 
@@ -10,23 +11,23 @@ namespace {
 
 using Keys = PaneforgeConfigCodingKeys;
 
-constexpr std::array kAllKeys = {
-    Keys::Displays,
-    Keys::DefaultLayout,
-    Keys::CellMarginPoints,
-    Keys::OpenEditorHotkey,
-    Keys::OpenPreferencesHotkey,
-    Keys::OpenLayoutSelectorHotkey,
-    Keys::MoveToNextDisplayHotkey,
-    Keys::NextLayoutHotkey,
-    Keys::PreviousLayoutHotkey,
-    Keys::SingleSnapModifiers,
-    Keys::MultiSnapModifiers,
-    Keys::LaunchAtLogin,
-    Keys::HideMenuBarIcon,
-    Keys::RestoreWindowSizeOnUnsnap,
-    Keys::HasCompletedQuickStart,
-};
+constexpr auto kKeyNames = nameTable<Keys>({
+    {Keys::Displays, "displays"},
+    {Keys::DefaultLayout, "defaultLayout"},
+    {Keys::CellMarginPoints, "cellMarginPoints"},
+    {Keys::OpenEditorHotkey, "openEditorHotkey"},
+    {Keys::OpenPreferencesHotkey, "openPreferencesHotkey"},
+    {Keys::OpenLayoutSelectorHotkey, "openLayoutSelectorHotkey"},
+    {Keys::MoveToNextDisplayHotkey, "moveToNextDisplayHotkey"},
+    {Keys::NextLayoutHotkey, "nextLayoutHotkey"},
+    {Keys::PreviousLayoutHotkey, "previousLayoutHotkey"},
+    {Keys::SingleSnapModifiers, "singleSnapModifiers"},
+    {Keys::MultiSnapModifiers, "multiSnapModifiers"},
+    {Keys::LaunchAtLogin, "launchAtLogin"},
+    {Keys::HideMenuBarIcon, "hideMenuBarIcon"},
+    {Keys::RestoreWindowSizeOnUnsnap, "restoreWindowSizeOnUnsnap"},
+    {Keys::HasCompletedQuickStart, "hasCompletedQuickStart"},
+});
 
 PaneforgeConfig makeDefaultConfig(const GridDefinition& layout, ModifierDefinition single,
                                   ModifierDefinition multi) {
@@ -73,48 +74,11 @@ bool sameDisplays(const DisplayLayoutsMap& a, const DisplayLayoutsMap& b) {
 } // namespace
 
 QString rawValue(PaneforgeConfigCodingKeys key) {
-    switch (key) {
-    case Keys::Displays:
-        return QStringLiteral("displays");
-    case Keys::DefaultLayout:
-        return QStringLiteral("defaultLayout");
-    case Keys::CellMarginPoints:
-        return QStringLiteral("cellMarginPoints");
-    case Keys::OpenEditorHotkey:
-        return QStringLiteral("openEditorHotkey");
-    case Keys::OpenPreferencesHotkey:
-        return QStringLiteral("openPreferencesHotkey");
-    case Keys::OpenLayoutSelectorHotkey:
-        return QStringLiteral("openLayoutSelectorHotkey");
-    case Keys::MoveToNextDisplayHotkey:
-        return QStringLiteral("moveToNextDisplayHotkey");
-    case Keys::NextLayoutHotkey:
-        return QStringLiteral("nextLayoutHotkey");
-    case Keys::PreviousLayoutHotkey:
-        return QStringLiteral("previousLayoutHotkey");
-    case Keys::SingleSnapModifiers:
-        return QStringLiteral("singleSnapModifiers");
-    case Keys::MultiSnapModifiers:
-        return QStringLiteral("multiSnapModifiers");
-    case Keys::LaunchAtLogin:
-        return QStringLiteral("launchAtLogin");
-    case Keys::HideMenuBarIcon:
-        return QStringLiteral("hideMenuBarIcon");
-    case Keys::RestoreWindowSizeOnUnsnap:
-        return QStringLiteral("restoreWindowSizeOnUnsnap");
-    case Keys::HasCompletedQuickStart:
-        return QStringLiteral("hasCompletedQuickStart");
-    }
-    return {};
+    return kKeyNames.nameOf(key);
 }
 
 std::optional<PaneforgeConfigCodingKeys> paneforgeConfigCodingKeyFromRawValue(const QString& raw) {
-    for (const auto key : kAllKeys) {
-        if (rawValue(key) == raw) {
-            return key;
-        }
-    }
-    return std::nullopt;
+    return kKeyNames.valueOf(raw);
 }
 
 PaneforgeConfig PaneforgeConfig::makeDefault() {

@@ -1,5 +1,7 @@
 #include "core/geometry/normalized_geometry.h"
 
+#include "core/config/name_table.h"
+
 namespace paneforge {
 
 QJsonObject NormalizedPoint::toJson() const {
@@ -25,19 +27,17 @@ NormalizedRect NormalizedRect::fromJson(const QJsonValue& value, const QString& 
             reader.requireDouble(QStringLiteral("height"))};
 }
 
+namespace {
+constexpr auto kOrientationNames = nameTable<GridLineOrientation>(
+    {{GridLineOrientation::Horizontal, "horizontal"}, {GridLineOrientation::Vertical, "vertical"}});
+} // namespace
+
 std::optional<GridLineOrientation> gridLineOrientationFromRawValue(const QString& rawValue) {
-    if (rawValue == QLatin1String("horizontal")) {
-        return GridLineOrientation::Horizontal;
-    }
-    if (rawValue == QLatin1String("vertical")) {
-        return GridLineOrientation::Vertical;
-    }
-    return std::nullopt;
+    return kOrientationNames.valueOf(rawValue);
 }
 
 QString rawValue(GridLineOrientation orientation) {
-    return orientation == GridLineOrientation::Horizontal ? QStringLiteral("horizontal")
-                                                          : QStringLiteral("vertical");
+    return kOrientationNames.nameOf(orientation);
 }
 
 GridLineOrientation gridLineOrientationFromJson(const QJsonValue& value, const QString& path) {

@@ -1,5 +1,6 @@
 #include "core/layouts/display_layout_service.h"
 
+#include "core/config/name_table.h"
 #include "core/layouts/layout_cycle.h"
 
 #include <QUuid>
@@ -8,18 +9,15 @@ namespace paneforge {
 
 namespace {
 
+constexpr auto kErrorNames = nameTable<DisplayLayoutError>({
+    {DisplayLayoutError::DuplicateName, "duplicateName"},
+    {DisplayLayoutError::LayoutNotOwned, "layoutNotOwned"},
+    {DisplayLayoutError::EmptyName, "emptyName"},
+    {DisplayLayoutError::LastLayout, "lastLayout"},
+});
+
 QString errorName(DisplayLayoutError error) {
-    switch (error) {
-    case DisplayLayoutError::DuplicateName:
-        return QStringLiteral("duplicateName");
-    case DisplayLayoutError::LayoutNotOwned:
-        return QStringLiteral("layoutNotOwned");
-    case DisplayLayoutError::EmptyName:
-        return QStringLiteral("emptyName");
-    case DisplayLayoutError::LastLayout:
-        return QStringLiteral("lastLayout");
-    }
-    return {};
+    return kErrorNames.nameOf(error);
 }
 
 std::optional<DisplayLayouts> entryOf(const PaneforgeConfig& config, const QString& stableId) {

@@ -1,5 +1,7 @@
 #include "core/layouts/grid_definition.h"
 
+#include "core/config/name_table.h"
+
 #include <QJsonArray>
 #include <limits>
 
@@ -25,29 +27,20 @@ int toIndex(std::int64_t value, const QString& path) {
 
 } // namespace
 
+namespace {
+using GridKeys = GridDefinitionCodingKeys;
+constexpr auto kKeyNames = nameTable<GridKeys>({{GridKeys::Id, "id"},
+                                                {GridKeys::Name, "name"},
+                                                {GridKeys::HorizontalSplits, "horizontalSplits"},
+                                                {GridKeys::VerticalSplits, "verticalSplits"}});
+} // namespace
+
 QString rawValue(GridDefinitionCodingKeys key) {
-    switch (key) {
-    case GridDefinitionCodingKeys::Id:
-        return QStringLiteral("id");
-    case GridDefinitionCodingKeys::Name:
-        return QStringLiteral("name");
-    case GridDefinitionCodingKeys::HorizontalSplits:
-        return QStringLiteral("horizontalSplits");
-    case GridDefinitionCodingKeys::VerticalSplits:
-        return QStringLiteral("verticalSplits");
-    }
-    return {};
+    return kKeyNames.nameOf(key);
 }
 
 std::optional<GridDefinitionCodingKeys> gridDefinitionCodingKeyFromRawValue(const QString& raw) {
-    for (auto key :
-         {GridDefinitionCodingKeys::Id, GridDefinitionCodingKeys::Name,
-          GridDefinitionCodingKeys::HorizontalSplits, GridDefinitionCodingKeys::VerticalSplits}) {
-        if (rawValue(key) == raw) {
-            return key;
-        }
-    }
-    return std::nullopt;
+    return kKeyNames.valueOf(raw);
 }
 
 GridDefinition::GridDefinition(QString id, QString name, std::vector<double> verticalSplits,

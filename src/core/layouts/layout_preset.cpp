@@ -1,5 +1,7 @@
 #include "core/layouts/layout_preset.h"
 
+#include "core/config/name_table.h"
+
 #include <array>
 
 namespace paneforge {
@@ -8,31 +10,19 @@ namespace {
 constexpr std::array kAllIds = {LayoutPresetId::Columns2, LayoutPresetId::Rows2,
                                 LayoutPresetId::Grid2x2, LayoutPresetId::LeftThird,
                                 LayoutPresetId::Columns3};
-}
+constexpr auto kIdNames = nameTable<LayoutPresetId>({{LayoutPresetId::Columns2, "columns2"},
+                                                     {LayoutPresetId::Rows2, "rows2"},
+                                                     {LayoutPresetId::Grid2x2, "grid2x2"},
+                                                     {LayoutPresetId::LeftThird, "leftThird"},
+                                                     {LayoutPresetId::Columns3, "columns3"}});
+} // namespace
 
 QString rawValue(LayoutPresetId id) {
-    switch (id) {
-    case LayoutPresetId::Columns2:
-        return QStringLiteral("columns2");
-    case LayoutPresetId::Rows2:
-        return QStringLiteral("rows2");
-    case LayoutPresetId::Grid2x2:
-        return QStringLiteral("grid2x2");
-    case LayoutPresetId::LeftThird:
-        return QStringLiteral("leftThird");
-    case LayoutPresetId::Columns3:
-        return QStringLiteral("columns3");
-    }
-    return {};
+    return kIdNames.nameOf(id);
 }
 
 std::optional<LayoutPresetId> layoutPresetIdFromRawValue(const QString& raw) {
-    for (const auto id : kAllIds) {
-        if (rawValue(id) == raw) {
-            return id;
-        }
-    }
-    return std::nullopt;
+    return kIdNames.valueOf(raw);
 }
 
 LayoutPreset LayoutPresetCatalog::preset(LayoutPresetId id) {

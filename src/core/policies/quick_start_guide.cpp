@@ -1,17 +1,18 @@
 #include "core/policies/quick_start_guide.h"
 
+#include "core/config/name_table.h"
+
 namespace paneforge {
 
+namespace {
+constexpr auto kPageNames =
+    nameTable<QuickStartPageId>({{QuickStartPageId::Welcome, "welcome"},
+                                 {QuickStartPageId::CreateLayout, "createLayout"},
+                                 {QuickStartPageId::Snap, "snap"}});
+} // namespace
+
 QString rawValue(QuickStartPageId id) {
-    switch (id) {
-    case QuickStartPageId::Welcome:
-        return QStringLiteral("welcome");
-    case QuickStartPageId::CreateLayout:
-        return QStringLiteral("createLayout");
-    case QuickStartPageId::Snap:
-        return QStringLiteral("snap");
-    }
-    return {};
+    return kPageNames.nameOf(id);
 }
 
 const std::vector<QuickStartPage>& QuickStartGuide::pages() {
