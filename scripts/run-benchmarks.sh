@@ -4,7 +4,7 @@ set -euo pipefail
 build_dir=${1:-build/default}
 found=0
 for bench in "$build_dir"/bench/bench_*; do
-  [ -x "$bench" ] || continue
+  [[ -f $bench && -x $bench ]] || continue
   found=1
   echo "== $(basename "$bench")"
   "$bench"
