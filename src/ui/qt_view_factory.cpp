@@ -2,6 +2,8 @@
 
 #include "app/shell/stand_in_controllers.h"
 #include "ui/about_window.h"
+#include "ui/onboarding/permission_coach_window.h"
+#include "ui/onboarding/quick_start_window.h"
 #include "ui/status_item_controller.h"
 
 #include <QApplication>
@@ -53,6 +55,15 @@ std::optional<QString> QtViewFactory::keyWindowTitle() {
         return window->windowTitle();
     }
     return std::nullopt;
+}
+
+std::unique_ptr<QuickStartView> QtViewFactory::makeQuickStartWindow(QuickStartActions actions) {
+    return std::make_unique<QuickStartWindow>(nativeWindows_, std::move(actions));
+}
+
+std::unique_ptr<PermissionCoachView>
+QtViewFactory::makePermissionCoach(std::function<void()> onButton) {
+    return std::make_unique<PermissionCoachWindow>(nativeWindows_, std::move(onButton));
 }
 
 } // namespace paneforge

@@ -22,6 +22,9 @@ public:
     AlertPresenter& alerts() override { return alerts_; }
     KeyDownMonitorApi& keyDownMonitor() override { return keyDownMonitor_; }
     std::optional<QString> keyWindowTitle() override;
+    std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) override;
+    std::unique_ptr<PermissionCoachView>
+    makePermissionCoach(std::function<void()> onButton) override;
 
 private:
     NativeWindows& nativeWindows_;

@@ -101,6 +101,37 @@ public:
     void reveal(const QString& path) override { journal(QStringLiteral("reveal ") + path); }
 };
 
+// The privacy side of a platform: without privacy grants (as on X11) unless told otherwise, so
+// that no controller test runs the real reset tool. Resets given to it as the command runner are
+// journalled and succeed.
+class Permissions final : public PermissionSource, public CommandRunner {
+public:
+    Journal journal;
+    bool grants = false;
+    std::function<void()> activated;
+
+    bool hasPrivacyGrants() const override { return grants; }
+    bool requestListenEventAccess() override {
+        journal(QStringLiteral("requestListenEventAccess"));
+        return false;
+    }
+    void openSettings(const QString& url) override { journal(QStringLiteral("open ") + url); }
+    NotificationCenter::ObservationToken
+    observeActivation(std::function<void()> callback) override {
+        activated = std::move(callback);
+        return nullptr;
+    }
+    PermissionCoachContent coachContent(PrivacyCoachStep step) override {
+        return {PrivacyPermissionPolicy::coachTitle(step),
+                PrivacyPermissionPolicy::coachMessage(step),
+                PrivacyPermissionPolicy::coachButtonTitle(step)};
+    }
+    int run(const QString& executable, const QStringList& arguments) override {
+        journal(executable + QLatin1Char(' ') + arguments.join(QLatin1Char(' ')));
+        return 0;
+    }
+};
+
 class Platform final : public paneforge::Platform {
 public:
     Desk desk;
@@ -112,6 +143,7 @@ public:
     LoginItems logins;
     Updates updates;
     Revealer revealer;
+    Permissions privacy;
     LoginItemService* loginService = &logins; // a test may put the real one of a platform here
     std::function<void()> terminationQuit;
 
@@ -119,6 +151,7 @@ public:
         logins.journal = journal;
         updates.journal = journal;
         revealer.journal = journal;
+        privacy.journal = journal;
     }
 
     WindowService& windows() override { return windowList; }
@@ -133,6 +166,7 @@ public:
     LoginItemService& loginItems() override { return *loginService; }
     UpdateService& updater() override { return updates; }
     FileRevealer& fileRevealer() override { return revealer; }
+    PermissionSource& permissions() override { return privacy; }
     void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()> quit) override {
         terminationQuit = std::move(quit);
@@ -177,6 +211,50 @@ public:
     }
 };
 
+// The quick start window: its page and visibility; closing it tells the controller, once.
+class QuickStartWindow final : public QuickStartView {
+public:
+    QuickStartWindow(QuickStartActions windowActions, Journal windowJournal)
+        : actions(std::move(windowActions))
+        , journal(std::move(windowJournal)) {}
+    QuickStartActions actions;
+    Journal journal;
+    std::optional<QuickStartChrome> page;
+    bool visible = false;
+    void showPage(const QuickStartChrome& chrome) override { page = chrome; }
+    void present() override {
+        journal(QStringLiteral("quickStart.present"));
+        visible = true;
+    }
+    void dismiss() override {
+        if (std::exchange(visible, false)) {
+            actions.closed();
+        }
+    }
+    bool isVisible() const override { return visible; }
+};
+
+class Coach final : public PermissionCoachView {
+public:
+    Coach(std::function<void()> onButton, Journal coachJournal)
+        : button(std::move(onButton))
+        , journal(std::move(coachJournal)) {}
+    std::function<void()> button;
+    Journal journal;
+    std::optional<PermissionCoachContent> content;
+    bool visible = false;
+    void present(const PermissionCoachContent& shown) override {
+        journal(QStringLiteral("coach.present ") + shown.buttonTitle);
+        content = shown;
+        visible = true;
+    }
+    void dismiss() override {
+        journal(QStringLiteral("coach.dismiss"));
+        visible = false;
+    }
+    bool isVisible() const override { return visible; }
+};
+
 class NoKeyMonitor final : public KeyDownMonitorApi {
 public:
     std::unique_ptr<Monitor> addLocalMonitor(Handler) override { return nullptr; }
@@ -214,6 +292,19 @@ public:
     }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
     std::optional<QString> keyWindowTitle() override { return keyWindow; }
+    QuickStartWindow* quickStart = nullptr; // owned by the caller
+    Coach* coach = nullptr;                 // owned by the caller
+    std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) override {
+        auto window = std::make_unique<QuickStartWindow>(std::move(actions), journal);
+        quickStart = window.get();
+        return window;
+    }
+    std::unique_ptr<PermissionCoachView>
+    makePermissionCoach(std::function<void()> onButton) override {
+        auto window = std::make_unique<Coach>(std::move(onButton), journal);
+        coach = window.get();
+        return window;
+    }
 };
 
 } // namespace fakes

@@ -110,8 +110,10 @@ public:
         return window;
     }
 
-    bool isTrusted() override { return true; }
-    void requestTrustPrompt() override {}
+    bool trusted = true;
+    int trustPrompts = 0;
+    bool isTrusted() override { return trusted; }
+    void requestTrustPrompt() override { ++trustPrompts; }
     WindowRef windowUnderPoint(DesktopPoint point) override {
         for (const auto& window : stack) {
             if (window->frame.contains(point)) {

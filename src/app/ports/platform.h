@@ -4,6 +4,7 @@
 #include "app/input/hotkey_manager.h"
 #include "app/ports/display_services.h"
 #include "app/ports/native_windows.h"
+#include "app/ports/permission_source.h"
 #include "app/ports/shell_services.h"
 #include "app/ports/window_service.h"
 #include "app/runtime/scheduler.h"
@@ -36,6 +37,8 @@ public:
     virtual LoginItemService& loginItems() = 0;
     virtual UpdateService& updater() = 0;
     virtual FileRevealer& fileRevealer() = 0;
+    // The privacy permissions snapping needs, for the permission gate.
+    virtual PermissionSource& permissions() = 0;
 
     // Makes the process a background agent once the application object exists: on macOS no Dock
     // icon and no main menu, and the system never ends it on its own to reclaim memory.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ports/key_down_monitor_api.h"
+#include "app/ports/onboarding_views.h"
 #include "app/ports/shell_windows.h"
 #include "app/ports/snap_overlay.h"
 #include "app/ports/status_item_view.h"
@@ -27,6 +28,11 @@ public:
     virtual KeyDownMonitorApi& keyDownMonitor() = 0;
     // The title of Paneforge's window that has the keyboard, if one has.
     virtual std::optional<QString> keyWindowTitle() = 0;
+    // "Quick Start", the three-page guide.
+    virtual std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) = 0;
+    // The permission coach; `onButton` is its one button.
+    virtual std::unique_ptr<PermissionCoachView>
+    makePermissionCoach(std::function<void()> onButton) = 0;
 };
 
 } // namespace paneforge

@@ -8,6 +8,7 @@
 #include "platform/macos/mac_event_tap_api.h"
 #include "platform/macos/mac_hotkey_api.h"
 #include "platform/macos/mac_keyboard_layout.h"
+#include "platform/macos/mac_permission_source.h"
 #include "platform/macos/mac_shell_services.h"
 #include "platform/unix/termination_signals.h"
 
@@ -40,6 +41,7 @@ public:
     LoginItemService& loginItems() override { return loginItems_; }
     UpdateService& updater() override { return updater_; }
     FileRevealer& fileRevealer() override { return fileRevealer_; }
+    PermissionSource& permissions() override { return permissions_; }
     // An accessory application: no Dock icon, no main menu, never ended by the system to
     // reclaim memory (sudden and automatic termination off).
     void becomeMenuBarAgent() override;
@@ -58,6 +60,7 @@ private:
     MacLoginItem loginItems_;
     SparkleUpdateService updater_;
     FinderFileRevealer fileRevealer_;
+    MacPermissionSource permissions_;
     TerminationSignals terminationSignals_;
 };
 

@@ -8,6 +8,7 @@
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_event_tap_api.h"
 #include "platform/x11/x11_hotkey_api.h"
+#include "platform/x11/x11_permission_source.h"
 #include "platform/x11/x11_window_service.h"
 #include "platform/x11/xdg_autostart.h"
 #include "platform/x11/xkb_keyboard_layout.h"
@@ -59,6 +60,7 @@ public:
     LoginItemService& loginItems() override { return loginItems_; }
     UpdateService& updater() override { return updates_; }
     FileRevealer& fileRevealer() override { return fileRevealer_; }
+    PermissionSource& permissions() override { return permissions_; }
     // A tray agent has no Dock or main menu to leave, and nothing ends it behind its back.
     void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()> quit) override;
@@ -75,6 +77,7 @@ private:
     XdgAutostartLoginItem loginItems_;
     PackageManagerUpdates updates_;
     DBusFileRevealer fileRevealer_;
+    X11PermissionSource permissions_{connection_};
     TerminationSignals terminationSignals_;
 };
 
