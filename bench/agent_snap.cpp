@@ -300,9 +300,11 @@ int main(int argc, char** argv) {
         // A typical configuration whose default layout is 2 x 2 with 10-point margins.
         const GridDefinition quarters(QStringLiteral("quarters"), QStringLiteral("Quarters"), {0.5},
                                       {0.5});
-        ConfigStore(LoggerFactory::makeLogger(QStringLiteral("Bench")), [&] {
-            return home.filePath(QStringLiteral("config"));
-        }).saveConfig(fixtures::smallConfig().copying(std::nullopt, quarters, 10.0));
+        ConfigStore(LoggerFactory::makeLogger(QStringLiteral("Bench")),
+                    [&] { return home.filePath(QStringLiteral("config")); })
+            .saveConfig(fixtures::smallConfig()
+                            .copying(std::nullopt, quarters, 10.0)
+                            .withHasCompletedQuickStart(true));
 
         Desk desk(session.display());
         if (!desk.ok()) {

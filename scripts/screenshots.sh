@@ -3,6 +3,8 @@
 # two monitors, openbox, a trayer tray host), written as PNGs into docs/screenshots/:
 #   tray-menu.png   the tray menu, open on its "Zone Editor…" submenu of displays
 #   about.png       the about window
+#   quick-start-welcome.png, quick-start-create-layout.png, quick-start-snap.png
+#                   the quick start guide's three pages, as a first start shows it
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -74,8 +76,17 @@ open_menu() {
   xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 1
   wait_for '(($(agent_windows) >= 2))'
 }
-wait_for '(($(agent_windows) == 1))'
 mkdir -p "$out"
+
+# A first start (no configuration yet) shows the quick start guide; Return goes to the next page.
+wait_for "xdotool search --onlyvisible --name '^Quick Start\$'"
+guide=$(xdotool search --onlyvisible --name '^Quick Start$' | head -n 1)
+for page in welcome create-layout snap; do
+  sleep 0.5 # let the page paint
+  import -frame -window "$guide" "$out/quick-start-$page.png"
+  xdotool key Return
+done
+wait_for '(($(agent_windows) == 1))'
 
 # The menu with its submenu: the picture covers both, the tray icon and a margin of desktop.
 open_menu
@@ -107,4 +118,4 @@ sleep 0.5
 about=$(xdotool search --onlyvisible --name '^About Paneforge$' | head -n 1)
 import -frame -window "$about" "$out/about.png"
 
-echo "screenshots: wrote $out/tray-menu.png and $out/about.png"
+echo "screenshots: wrote $out/tray-menu.png, $out/about.png and $out/quick-start-*.png"

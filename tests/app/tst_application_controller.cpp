@@ -18,6 +18,7 @@ using Action = std::function<void()> StatusMenuActions::*;
 }
 Q_DECLARE_METATYPE(LoginItemStatus)
 Q_DECLARE_METATYPE(Action)
+Q_DECLARE_METATYPE(std::optional<bool>)
 
 namespace {
 
@@ -101,6 +102,8 @@ private Q_SLOTS:
     void menuRowsReachTheirControllers_data();
     void menuRowsReachTheirControllers();
     void zoneEditorSubmenuListsTheDisplays();
+    void quickStartOnceThePermissionsAreReady_data();
+    void quickStartOnceThePermissionsAreReady();
     void callbacksDoNothingOnceTheControllerIsGone();
     void launchAtLoginFollowsTheSystem_data();
     void launchAtLoginFollowsTheSystem();
@@ -120,7 +123,7 @@ void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
           "OpenEditor hotkey: keyCode=14 modifiers=256",
           "HotkeyManager.register id=1 keyCode=14 modifiers=256",
           "OpenPreferences hotkey: nil -> unregister", "HotkeyManager.unregister id=6",
-          "ScreenDiagnostics.snapStart count=1", "updater.start"}) {
+          "ScreenDiagnostics.snapStart count=1", "quickStart.present", "updater.start"}) {
         at = app.indexOf(QString::fromUtf8(step), at);
         QVERIFY2(at >= 0, qPrintable(QStringLiteral("missing or out of order: %1\n%2")
                                          .arg(QString::fromUtf8(step), app.log.join('\n'))));
@@ -251,7 +254,7 @@ void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
     row("preferences", &M::openPreferences, {"preferences.show"});
     row("backup", &M::backupSettings, {"StandInBackupSettingsController.runBackup"});
     row("restore", &M::restoreSettings, {"StandInRestoreSettingsController.runRestore"});
-    row("quick start", &M::openQuickStart, {"StandInQuickStartController.show"});
+    row("quick start", &M::openQuickStart, {"quickStart.present"});
     row("reveal log file", &M::revealLogFile,
         {"ApplicationController.revealLogFile path=/logs/Paneforge.log",
          "reveal /logs/Paneforge.log"});
@@ -291,6 +294,32 @@ void ApplicationControllerTest::zoneEditorSubmenuListsTheDisplays() {
     // Displays connected later show up at the next opening.
     app.platform.desk.addScreen(5, {0, 900, 1440, 900}, {0, 900, 1440, 900});
     QCOMPARE(app.views.statusMenu->displays().size(), std::size_t{3});
+}
+
+void ApplicationControllerTest::quickStartOnceThePermissionsAreReady_data() {
+    QTest::addColumn<std::optional<bool>>("completed");
+    QTest::newRow("not completed") << std::optional<bool>(false);
+    QTest::newRow("completed") << std::optional<bool>(true);
+    QTest::newRow("from before the guide") << std::optional<bool>();
+}
+
+void ApplicationControllerTest::quickStartOnceThePermissionsAreReady() {
+    QFETCH(std::optional<bool>, completed);
+    ConfigSnapshot snapshot = PaneforgeConfig::makeDefault().snapshot();
+    snapshot.hasCompletedQuickStart = completed;
+    Application app{PaneforgeConfig(snapshot)};
+    app.platform.windowList.trusted = false;
+    app.started();
+    QVERIFY(!app.controller->isQuickStartShown());
+
+    app.platform.windowList.trusted = true;
+    app.scheduler.advance(PrivacyPermissionGate::watchdogIntervalSeconds);
+    QCOMPARE(app.controller->isQuickStartShown(), completed == false);
+    if (app.controller->isQuickStartShown()) {
+        // Closed however, it counts as completed.
+        app.views.quickStart->dismiss();
+        QCOMPARE(app.config().hasCompletedQuickStart(), std::optional<bool>(true));
+    }
 }
 
 void ApplicationControllerTest::callbacksDoNothingOnceTheControllerIsGone() {

@@ -111,7 +111,8 @@ void AgentShellTest::initTestCase() {
         .saveConfig(PaneforgeConfig::makeDefault()
                         .withMoveToNextDisplayHotkey(kMoveHotkey)
                         .withOpenPreferencesHotkey(kTakenHotkey)
-                        .withLaunchAtLogin(true));
+                        .withLaunchAtLogin(true)
+                        .withHasCompletedQuickStart(true));
     QString output;
     QVERIFY2(agent_.start(QStringLiteral(PANEFORGE_AGENT), &output), qPrintable(output));
     QVERIFY2(output.contains("icon shown"), qPrintable(output));

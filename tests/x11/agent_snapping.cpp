@@ -191,7 +191,9 @@ void AgentSnappingTest::initTestCase() {
         displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
                                   DisplayLayouts(QStringLiteral("rows"), {rows, quarters}));
     }
-    config_ = PaneforgeConfig::makeDefault().copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0);
+    config_ = PaneforgeConfig::makeDefault()
+                  .copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0)
+                  .withHasCompletedQuickStart(true);
     saveConfig(*config_);
 
     QProcessEnvironment env;

@@ -2,6 +2,7 @@
 
 #include "app/runtime/screen_diagnostics.h"
 #include "core/policies/launch_at_login_sync.h"
+#include "core/policies/quick_start_guide.h"
 #include "core/policies/update_policy.h"
 
 namespace paneforge {
@@ -16,11 +17,24 @@ ApplicationController::ApplicationController(ApplicationServices services)
     , moveWindow_(services_.platform.windows(), services_.platform.displayFrames(),
                   services_.platform.displays())
     , layoutCycle_(services_.fileLog)
-    , quickStart_(services_.fileLog)
+    , quickStart_(
+          [this](QuickStartActions actions) {
+              return services_.views.makeQuickStartWindow(std::move(actions));
+          },
+          // The guide lives and dies with this controller.
+          [this] { zoneEditor_.showEditorForMainDisplay(); }, [this] { markQuickStartCompleted(); })
     , preferencesWindow_(services_.views.makePreferencesWindow())
     , aboutWindow_(services_.views.makeAboutWindow())
     , hotkeyManager_(services_.platform.hotkeys(), services_.scheduler, services_.fileLog)
     , eventTapManager_(services_.platform.eventTaps(), services_.scheduler, services_.notifications)
+    , permissionGate_(PrivacyPermissionGateServices{
+          services_.platform.windows(), services_.platform.permissions(), commandRunner_,
+          services_.scheduler, services_.notifications,
+          [this] { return eventTapManager_.isTapInstalled(); },
+          [this](std::function<void()> onButton) {
+              return services_.views.makePermissionCoach(std::move(onButton));
+          },
+          services_.fileLog})
     , self_(std::make_shared<ApplicationController*>(this)) {}
 
 ApplicationController::~ApplicationController() = default;
@@ -255,10 +269,28 @@ void ApplicationController::startSnapAndPermissions() {
     snapController_->start();
     ScreenDiagnostics(platform.screens(), services_.fileLog)
         .logTopology(QStringLiteral("snapStart"));
-    // Moving other applications' windows needs the user's consent on macOS (Accessibility).
-    if (!platform.windows().isTrusted()) {
-        platform.windows().requestTrustPrompt();
+    // Once both permissions work: the quick start, for a configuration that says it was never
+    // completed. One written before the guide existed (no value) shows nothing.
+    permissionGate_.setOnReady(guarded([this] {
+        const bool showGuide =
+            QuickStartPolicy::shouldAutoPresent(loadConfigOrDefault().hasCompletedQuickStart());
+        services_.fileLog(QStringLiteral("ApplicationController.permissionsReady quickStart=") +
+                          (showGuide ? QStringLiteral("true") : QStringLiteral("false")));
+        if (showGuide) {
+            quickStart_.show();
+        }
+    }));
+    permissionGate_.startWatchdog();
+    permissionGate_.handleWatchdogTick();
+}
+
+void ApplicationController::markQuickStartCompleted() {
+    try {
+        services_.configStore.saveConfig(loadConfigOrDefault().withHasCompletedQuickStart(true));
+    } catch (const std::exception&) {
+        return; // the store logs its own failures
     }
+    services_.notifications.post(notifications::kConfigChanged);
 }
 
 } // namespace paneforge

@@ -3,9 +3,12 @@
 #include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "app/input/hotkey_slots.h"
+#include "app/onboarding/privacy_permission_gate.h"
+#include "app/onboarding/quick_start_controller.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
 #include "app/runtime/notification_center.h"
+#include "app/runtime/process_command_runner.h"
 #include "app/shell/stand_in_controllers.h"
 #include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
@@ -49,6 +52,7 @@ public:
 
     bool isStatusItemShown() const { return statusItem_ != nullptr; }
     bool isEventTapInstalled() const { return eventTapManager_.isTapInstalled(); }
+    bool isQuickStartShown() const { return quickStart_.isShown(); }
 
 private:
     void registerAllHotkeys();
@@ -70,6 +74,7 @@ private:
     void applyLaunchAtLogin();
 
     void startSnapAndPermissions();
+    void markQuickStartCompleted();
     PaneforgeConfig loadConfigOrDefault() const;
     void log(const QString& line) const;
     // Wraps `action` so that it runs only while this controller exists.
@@ -83,13 +88,15 @@ private:
     StandInRestoreSettingsController restoreSettings_;
     MoveWindowController moveWindow_;
     StandInLayoutCycleController layoutCycle_;
-    StandInQuickStartController quickStart_;
+    QuickStartController quickStart_;
     std::unique_ptr<ShellWindow> preferencesWindow_;
     std::unique_ptr<ShellWindow> aboutWindow_;
     std::unique_ptr<StatusItemView> statusItem_;
     HotkeyManager hotkeyManager_;
     EventTapManager eventTapManager_;
     std::unique_ptr<SnapController> snapController_;
+    ProcessCommandRunner commandRunner_;
+    PrivacyPermissionGate permissionGate_;
     // None until launch at login was first applied.
     std::optional<bool> lastAppliedLaunchAtLogin_;
     std::vector<NotificationCenter::ObservationToken> observations_;

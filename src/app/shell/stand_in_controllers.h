@@ -66,13 +66,6 @@ public:
     void runRestore() { called(QStringLiteral("runRestore")); }
 };
 
-class StandInQuickStartController final : public StandInController {
-public:
-    explicit StandInQuickStartController(LogSink log)
-        : StandInController(QStringLiteral("StandInQuickStartController"), std::move(log)) {}
-    void show() { called(QStringLiteral("show")); }
-};
-
 // The preferences window until it exists: never visible.
 class StandInPreferencesWindow final : public StandInController, public ShellWindow {
 public:

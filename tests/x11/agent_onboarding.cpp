@@ -1,0 +1,104 @@
+// The real agent's first start under Xvfb and openbox: the quick start guide appears by itself,
+// takes the keyboard, opens the zone editor and, once skipped, never appears by itself again.
+
+#include "core/config/config_store.h"
+#include "x11_test_session.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace paneforge;
+
+class AgentOnboardingTest : public QObject {
+    Q_OBJECT
+
+public:
+    explicit AgentOnboardingTest(X11TestSession& session)
+        : session_(session)
+        , agent_(session) {}
+
+private Q_SLOTS:
+    void firstStartShowsTheGuideWithTheKeyboard();
+    void theGuideOpensTheZoneEditorAndSkipEndsIt();
+    void aSecondStartShowsNothing();
+
+private:
+    bool xdotool(const QStringList& arguments) { return session_.run("xdotool", arguments); }
+    QStringList guideWindows() {
+        QString output;
+        session_.run("xdotool", {"search", "--onlyvisible", "--name", "^Quick Start$"}, &output);
+        return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    std::uint32_t activeWindow() const {
+        const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
+        return active.empty() ? 0 : active.front();
+    }
+    std::optional<bool> storedCompletion() const {
+        return ConfigStore(LoggerFactory::makeLogger("Test"),
+                           [this] { return agent_.configHome(); })
+            .loadConfig()
+            .hasCompletedQuickStart();
+    }
+    bool startAgent() {
+        QString output;
+        const bool started = agent_.start(QStringLiteral(PANEFORGE_AGENT), &output);
+        if (!started) {
+            qWarning("%s", qPrintable(output));
+        }
+        return started;
+    }
+
+    X11TestSession& session_;
+    X11AgentRun agent_;
+};
+
+void AgentOnboardingTest::firstStartShowsTheGuideWithTheKeyboard() {
+    QVERIFY(!QFile::exists(agent_.configHome() + "/Paneforge/config.json"));
+    QVERIFY(startAgent());
+    const QString log = agent_.logText();
+    QVERIFY2(log.contains("ApplicationController.permissionsReady quickStart=true"),
+             qPrintable(log));
+    // X11 with XInput 2.1 needs nothing from the user: no coach.
+    QVERIFY(!log.contains("PrivacyPermissionGate.coach"));
+    QStringList guide;
+    QVERIFY(X11TestSession::waitUntil([&] {
+        guide = guideWindows();
+        return guide.size() == 1;
+    }));
+    QVERIFY2(
+        X11TestSession::waitUntil([&] { return activeWindow() == guide.front().toUInt(); }),
+        qPrintable(QString("active window %1, guide %2").arg(activeWindow()).arg(guide.front())));
+}
+
+void AgentOnboardingTest::theGuideOpensTheZoneEditorAndSkipEndsIt() {
+    // Return is Next: on the second page, Tab reaches "Open Zone Editor" first.
+    const QString editor = "ZoneEditorController.showEditorForMainDisplay";
+    const int before = agent_.logCount(editor);
+    QVERIFY(xdotool({"key", "Return", "Tab", "space"}));
+    QVERIFY2(agent_.waitForLog(editor, before), qPrintable(agent_.logText()));
+    QCOMPARE(guideWindows().size(), 1);
+    // The next Tab is Skip.
+    QVERIFY(xdotool({"key", "Tab", "space"}));
+    QVERIFY(X11TestSession::waitUntil([&] { return guideWindows().isEmpty(); }));
+    QVERIFY(X11TestSession::waitUntil([&] { return storedCompletion() == true; }));
+    QVERIFY(agent_.quit());
+}
+
+void AgentOnboardingTest::aSecondStartShowsNothing() {
+    const int shown = agent_.logCount("permissionsReady quickStart=true");
+    QVERIFY(startAgent());
+    QVERIFY2(agent_.logText().contains("ApplicationController.permissionsReady quickStart=false"),
+             qPrintable(agent_.logText()));
+    QCOMPARE(agent_.logCount("permissionsReady quickStart=true"), shown);
+    QVERIFY(guideWindows().isEmpty());
+    QVERIFY(agent_.quit());
+}
+
+int main(int argc, char** argv) {
+    return runWithX11Session(argc, argv, X11TestSession::Options{}, [&](X11TestSession& session) {
+        AgentOnboardingTest test(session);
+        return QTest::qExec(&test, argc, argv);
+    });
+}
+
+#include "agent_onboarding.moc"
