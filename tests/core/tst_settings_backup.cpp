@@ -154,6 +154,28 @@ private Q_SLOTS:
                  QStringLiteral("Paneforge-backup-2025-03-15.json"));
     }
 
+    void exportDateInTheUsersLocale_data() {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("English (US)") << "en_US"
+                                      << "Mar 14, 2025, 9:26 AM";
+        QTest::newRow("German") << "de_DE"
+                                << "14. März 2025, 09:26";
+        QTest::newRow("French") << "fr_FR"
+                                << "14 mars 2025, 09:26";
+        QTest::newRow("C, whose short time has seconds") << "C"
+                                                         << "14 Mar 2025, 09:26";
+    }
+
+    void exportDateInTheUsersLocale() {
+        QFETCH(QString, locale);
+        QFETCH(QString, expected);
+        const QDateTime local(QDate(2025, 3, 14), QTime(9, 26, 53));
+        QString text = SettingsBackupPreviewBuilder::mediumDateShortTime(local, QLocale(locale));
+        text.replace(QChar(0x202F), QLatin1Char(' ')); // newer locale data: a narrow space
+        QCOMPARE(text, expected);
+    }
+
     void previewTexts() {
         const auto fixed = [](const QDateTime&) { return QStringLiteral("14 Mar 2025, 10:26"); };
         const auto empty =
