@@ -10,6 +10,9 @@
 #include "x11_test_session.h"
 
 #include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 #include <cmath>
 
@@ -42,6 +45,7 @@ private Q_SLOTS:
     void initTestCase();
     void hotkeysRegisterExceptTheWindowManagers();
     void moveHotkeyMovesTheFocusedWindow();
+    void restoredBackupReachesTheRunningAgent();
     void trayMenuRowsReachTheirFeatures();
     void aboutWindowTakesTheKeyboard();
     void cleanupTestCase();
@@ -68,6 +72,23 @@ private:
     }
     // Clicks the tray icon and walks the menu with `keys` ("Down Right Return").
     bool chooseFromTrayMenu(const QString& keys);
+    // The command line with the agent's configuration folder; its exit code, or -1.
+    int paneforge(const QStringList& arguments) {
+        QProcess cli;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_CONFIG_HOME", agent_.configHome());
+        cli.setProcessEnvironment(env);
+        cli.start(QStringLiteral(PANEFORGE_AGENT), arguments);
+        return cli.waitForFinished(10000) && cli.exitStatus() == QProcess::NormalExit
+                   ? cli.exitCode()
+                   : -1;
+    }
+    QByteArray configBytes() {
+        QFile file(ConfigStore(LoggerFactory::makeLogger("Test"), [this] {
+                       return agent_.configHome();
+                   }).getConfigPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     std::optional<DesktopRect> frame(std::uint32_t window) {
         return windows_.frame(X11WindowService::wrap(window));
     }
@@ -161,6 +182,36 @@ void AgentShellTest::moveHotkeyMovesTheFocusedWindow() {
     QVERIFY(X11TestSession::waitUntil([&] {
         const auto now = frame(xterm_);
         return now && displays_.getDisplayId({now->midX(), now->midY()}) == left;
+    }));
+}
+
+void AgentShellTest::restoredBackupReachesTheRunningAgent() {
+    const QTemporaryDir folder;
+    const QString backup = folder.filePath("backup.json");
+    const QByteArray original = configBytes();
+    QCOMPARE(paneforge({"backup", "export", backup}), 0);
+
+    // Another program changes the move hot key to Ctrl+Alt+N: the agent follows the file.
+    const QString newKey = "HotkeyManager.register id=4 keyCode=45 ";
+    int before = agent_.logCount(newKey);
+    const ConfigStore store(LoggerFactory::makeLogger("Test"),
+                            [this] { return agent_.configHome(); });
+    store.saveConfig(store.loadConfig().withMoveToNextDisplayHotkey(
+        HotkeyDefinition{45, kMoveHotkey.modifiers}));
+    QVERIFY2(agent_.waitForLog(newKey, before), qPrintable(agent_.logText()));
+
+    // The restore brings back the file byte for byte, and the agent the old hot key, which works.
+    const QString oldKey = "HotkeyManager.register id=4 keyCode=46 ";
+    before = agent_.logCount(oldKey);
+    QCOMPARE(paneforge({"backup", "restore", backup, "--yes"}), 0);
+    QCOMPARE(configBytes(), original);
+    QVERIFY2(agent_.waitForLog(oldKey, before), qPrintable(agent_.logText()));
+    QVERIFY(activate(xterm_));
+    const auto start = frame(xterm_);
+    QVERIFY(xdotool({"key", "ctrl+alt+m"}));
+    QVERIFY(X11TestSession::waitUntil([&] {
+        const auto now = frame(xterm_);
+        return now && start && std::abs(now->minX() - start->minX()) > 500;
     }));
 }
 

@@ -56,9 +56,21 @@ void ApplicationController::start() {
     applyStatusItemSetting();
     registerAllHotkeys();
     observeHotkeyChanges();
+    watchConfigFile();
     applyLaunchAtLogin();
     startSnapAndPermissions();
     services_.platform.updater().start();
+}
+
+// A hand edit or a restore from the command line reaches the running agent as a change
+// notification, like a change made in its own windows.
+void ApplicationController::watchConfigFile() {
+    try {
+        configFileWatcher_ = std::make_unique<ConfigFileWatcher>(
+            services_.configStore.getConfigPath(), services_.scheduler, services_.notifications);
+    } catch (const ConfigStoreError& error) {
+        log(QStringLiteral("ApplicationController.watchConfigFile failed: ") + error.message());
+    }
 }
 
 // Hot keys

@@ -5,6 +5,7 @@
 #include "app/input/hotkey_slots.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "app/runtime/config_file_watcher.h"
 #include "app/runtime/notification_center.h"
 #include "app/shell/stand_in_controllers.h"
 #include "app/snapping/move_window_controller.h"
@@ -70,6 +71,7 @@ private:
     void applyLaunchAtLogin();
 
     void startSnapAndPermissions();
+    void watchConfigFile();
     PaneforgeConfig loadConfigOrDefault() const;
     void log(const QString& line) const;
     // Wraps `action` so that it runs only while this controller exists.
@@ -93,6 +95,7 @@ private:
     // None until launch at login was first applied.
     std::optional<bool> lastAppliedLaunchAtLogin_;
     std::vector<NotificationCenter::ObservationToken> observations_;
+    std::unique_ptr<ConfigFileWatcher> configFileWatcher_;
     std::shared_ptr<ApplicationController*> self_;
 };
 
