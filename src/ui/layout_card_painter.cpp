@@ -63,6 +63,14 @@ void LayoutCardPainter::paint(QPainter& painter, const QRectF& card, const GridD
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors.cardBackground);
     painter.drawRoundedRect(bounds, kCornerRadius, kCornerRadius);
+    if (state.isFocused) {
+        // A tint as well as the ring: where the palette's accent and focus colours are the same,
+        // the focused card still stands apart from the active one.
+        QColor tint = colors.focusRing;
+        tint.setAlphaF(0.14F);
+        painter.setBrush(tint);
+        painter.drawRoundedRect(bounds, kCornerRadius, kCornerRadius);
+    }
 
     const QRectF thumbnail = thumbnailRect(card.size());
     painter.setBrush(colors.thumbnailBackground);
