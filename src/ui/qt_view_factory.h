@@ -2,6 +2,7 @@
 
 #include "app/ports/native_windows.h"
 #include "app/ports/view_factory.h"
+#include "ui/layout_switch_views.h"
 #include "ui/qt_alert_presenter.h"
 #include "ui/qt_key_down_monitor.h"
 #include "ui/snap_overlay_window.h"
@@ -20,6 +21,7 @@ public:
     std::unique_ptr<ShellWindow> makeAboutWindow() override;
     std::unique_ptr<ShellWindow> makePreferencesWindow() override;
     AlertPresenter& alerts() override { return alerts_; }
+    LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitchViews_; }
     KeyDownMonitorApi& keyDownMonitor() override { return keyDownMonitor_; }
     std::optional<QString> keyWindowTitle() override;
 
@@ -29,6 +31,7 @@ private:
     QtSnapOverlayFactory snapOverlays_;
     QtAlertPresenter alerts_;
     QtKeyDownMonitor keyDownMonitor_;
+    QtLayoutSwitchViews layoutSwitchViews_{nativeWindows_};
 };
 
 } // namespace paneforge

@@ -7,6 +7,7 @@
 
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "layout_switch_fakes.h"
 #include "snap_fakes.h"
 
 #include <map>
@@ -187,6 +188,7 @@ public:
     Overlays overlays;
     NoKeyMonitor keyMonitor;
     Alerts alertBoxes;
+    LayoutSwitchScreen layoutSwitch;
     Journal journal;
     int statusItemsMade = 0;
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
@@ -214,6 +216,7 @@ public:
     }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
     std::optional<QString> keyWindowTitle() override { return keyWindow; }
+    LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitch; }
 };
 
 } // namespace fakes

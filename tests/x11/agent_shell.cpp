@@ -22,6 +22,8 @@ namespace {
 
 // Key codes are macOS virtual key codes: M is 46, D is 2.
 const HotkeyDefinition kMoveHotkey{46, modifier_bits::kControl | modifier_bits::kOption};
+// L is 37: the layout selector.
+const HotkeyDefinition kSelectorHotkey{37, modifier_bits::kControl | modifier_bits::kOption};
 // Super+D: openbox's own "show the desktop".
 const HotkeyDefinition kTakenHotkey{2, modifier_bits::kCommand};
 
@@ -48,6 +50,7 @@ private Q_SLOTS:
     void restoredBackupReachesTheRunningAgent();
     void trayMenuRowsReachTheirFeatures();
     void aboutWindowTakesTheKeyboard();
+    void layoutSelectorTakesTheKeyboardAndPicks();
     void cleanupTestCase();
 
 private:
@@ -93,8 +96,17 @@ private:
         return windows_.frame(X11WindowService::wrap(window));
     }
 
+    ConfigStore store() {
+        return ConfigStore(LoggerFactory::makeLogger("Test"),
+                           [this] { return agent_.configHome(); });
+    }
+    QString activeLayout() {
+        return store().loadConfig().displays().at(leftDisplay_).activeLayoutId();
+    }
+
     X11TestSession& session_;
     X11AgentRun agent_;
+    QString leftDisplay_;
     X11Connection connection_;
     X11DisplayServices displays_{connection_};
     ManualScheduler scheduler_;
@@ -128,11 +140,21 @@ void AgentShellTest::initTestCase() {
     QVERIFY(connection_.isValid());
     QVERIFY(
         X11TestSession::waitUntil([this] { return displays_.getActiveDisplays().size() == 2; }));
-    ConfigStore(LoggerFactory::makeLogger("Test"), [this] { return agent_.configHome(); })
-        .saveConfig(PaneforgeConfig::makeDefault()
-                        .withMoveToNextDisplayHotkey(kMoveHotkey)
-                        .withOpenPreferencesHotkey(kTakenHotkey)
-                        .withLaunchAtLogin(true));
+    // Three layouts on the left monitor, the first one active.
+    leftDisplay_ = displays_.getIdentifier(*displays_.getDisplayId({10, 10})).stableId();
+    std::vector<GridDefinition> layouts;
+    for (const char* id : {"halves", "thirds", "quarters"}) {
+        layouts.emplace_back(id, QString(id).toUpper(), std::vector<double>{0.5},
+                             std::vector<double>{});
+    }
+    DisplayLayoutsMap displays;
+    displays.insert_or_assign(leftDisplay_, DisplayLayouts("halves", layouts));
+    store().saveConfig(PaneforgeConfig::makeDefault()
+                           .copying(displays)
+                           .withOpenLayoutSelectorHotkey(kSelectorHotkey)
+                           .withMoveToNextDisplayHotkey(kMoveHotkey)
+                           .withOpenPreferencesHotkey(kTakenHotkey)
+                           .withLaunchAtLogin(true));
     QString output;
     QVERIFY2(agent_.start(QStringLiteral(PANEFORGE_AGENT), &output), qPrintable(output));
     QVERIFY2(output.contains("icon shown"), qPrintable(output));
@@ -261,6 +283,30 @@ void AgentShellTest::aboutWindowTakesTheKeyboard() {
     QVERIFY(xdotool({"key", "Escape"}));
     QVERIFY(X11TestSession::waitUntil(
         [&] { return visibleAgentWindows("^About Paneforge$").isEmpty(); }));
+}
+
+void AgentShellTest::layoutSelectorTakesTheKeyboardAndPicks() {
+    QVERIFY(xdotool({"mousemove", "400", "400"}));
+    // Return picks the card the arrow moved to; Escape closes without a change.
+    for (const auto& [keys, expected] :
+         {std::pair{"Right Return", "thirds"}, std::pair{"Escape", "thirds"}}) {
+        QVERIFY(activate(xterm_));
+        QVERIFY(xdotool({"key", "ctrl+alt+l"}));
+        QStringList selector;
+        QVERIFY2(X11TestSession::waitUntil([&] {
+                     selector = visibleAgentWindows("^Switch Layout$");
+                     return selector.size() == 1 && activeWindow() == selector.front().toUInt();
+                 }),
+                 qPrintable(QString("active window %1, selector %2")
+                                .arg(activeWindow())
+                                .arg(selector.join(' '))));
+        QVERIFY(xdotool(QStringList{"key"} + QString(keys).split(' ')));
+        QVERIFY(X11TestSession::waitUntil(
+            [&] { return visibleAgentWindows("^Switch Layout$").isEmpty(); }));
+        QCOMPARE(activeLayout(), QString(expected));
+    }
+    QVERIFY(agent_.logText().contains("LayoutSelectorController.pick display=" + leftDisplay_ +
+                                      " id=thirds"));
 }
 
 void AgentShellTest::cleanupTestCase() {

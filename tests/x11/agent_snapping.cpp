@@ -64,6 +64,7 @@ private Q_SLOTS:
     void multiSnapTakesTheBoundingBox();
     void releasingTheCombinationRestores();
     void eachMonitorSnapsToItsOwnLayout();
+    void nextLayoutHotkeySwitchesThePointersMonitor();
     void hostileConfigurations_data();
     void hostileConfigurations();
     void refusesToStartWithoutADisplay();
@@ -117,6 +118,14 @@ private:
             *id = output.section(QLatin1Char('\n'), 0, 0);
         }
         return found && !output.trimmed().isEmpty();
+    }
+    bool headsUpDisplayShown() {
+        QString output;
+        session_.run(QStringLiteral("xdotool"),
+                     {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                      QStringLiteral("--name"), QStringLiteral("^Paneforge Layout$")},
+                     &output);
+        return !output.trimmed().isEmpty();
     }
     std::optional<DesktopRect> frame() { return windows_.frame(X11WindowService::wrap(logo_)); }
     bool waitForFrame(const DesktopRect& expected) {
@@ -186,12 +195,17 @@ void AgentSnappingTest::initTestCase() {
         const auto left = displays_.getDisplayId({10, 10});
         const auto right = displays_.getDisplayId({970, 10});
         QVERIFY(left && right && *left != *right);
-        displays.insert_or_assign(displays_.getIdentifier(*left).stableId(),
-                                  DisplayLayouts(QStringLiteral("columns"), {quarters, columns}));
+        displays.insert_or_assign(
+            displays_.getIdentifier(*left).stableId(),
+            DisplayLayouts(QStringLiteral("columns"), {quarters, columns, rows}));
         displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
                                   DisplayLayouts(QStringLiteral("rows"), {rows, quarters}));
     }
-    config_ = PaneforgeConfig::makeDefault().copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0);
+    // Control+Option+N (key code 45): the next layout.
+    config_ = PaneforgeConfig::makeDefault()
+                  .copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0)
+                  .withNextLayoutHotkey(
+                      HotkeyDefinition{45, modifier_bits::kControl | modifier_bits::kOption});
     saveConfig(*config_);
 
     QProcessEnvironment env;
@@ -324,6 +338,43 @@ void AgentSnappingTest::eachMonitorSnapsToItsOwnLayout() {
     QVERIFY(logText().contains(QStringLiteral("layout=rows")));
 }
 
+void AgentSnappingTest::nextLayoutHotkeySwitchesThePointersMonitor() {
+    const auto left = displays_.getDisplayId({10, 10});
+    QVERIFY(left);
+    const QString leftId = displays_.getIdentifier(*left).stableId();
+    const auto activeWindow = [this] {
+        const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
+        return active.empty() ? 0 : active.front();
+    };
+    const auto before = activeWindow();
+    QVERIFY(moveTo(QPoint(300, 500)));
+    const int cycles = logCount(QStringLiteral("LayoutCycleController.cycleNext "));
+    QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+n")}));
+    QVERIFY2(waitForLog(QStringLiteral("LayoutCycleController.cycleNext display=") + leftId +
+                            QStringLiteral(" active=rows"),
+                        cycles),
+             qPrintable(logText()));
+    const PaneforgeConfig saved =
+        ConfigStore(LoggerFactory::makeLogger(QStringLiteral("Test")), [this] {
+            return home_.filePath(QStringLiteral("config"));
+        }).loadConfig();
+    QCOMPARE(saved.displays().at(leftId).activeLayoutId(), QStringLiteral("rows"));
+    // The heads-up display names it without taking the keyboard, and leaves a second later.
+    QVERIFY(X11TestSession::waitUntil([&] { return headsUpDisplayShown(); }));
+    QCOMPARE(activeWindow(), before);
+    QVERIFY(X11TestSession::waitUntil([&] { return !headsUpDisplayShown(); }));
+
+    // The next snap on that monitor takes its rows: the bottom one is root (0, 540) 960 x 540.
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256")),
+             qPrintable(logText()));
+    QVERIFY(moveTo(QPoint(300, 800)));
+    QVERIFY(moveTo(QPoint(302, 802)));
+    releaseButtonAndKeys(QStringLiteral("super"));
+    QVERIFY2(waitForFrame(fromRoot(0, 540, 960, 540)),
+             qPrintable(describe(frame()) + "\n" + logText()));
+}
+
 // Whatever is at the configuration path, a snap ends promptly and sanely: a named pipe or a device
 // is refused rather than read (a pipe froze the agent, a device filled its memory), and a margin
 // of any size leaves the window on the desktop or where it was.
@@ -431,7 +482,8 @@ int main(int argc, char** argv) {
             arguments << QString::fromLocal8Bit(argv[i]);
         }
         if (kTwoMonitors) {
-            arguments << QStringLiteral("eachMonitorSnapsToItsOwnLayout");
+            arguments << QStringLiteral("eachMonitorSnapsToItsOwnLayout")
+                      << QStringLiteral("nextLayoutHotkeySwitchesThePointersMonitor");
         } else if (kComposited) {
             // Only the overlay's window and the tray differ from the plain desk: one snap shows
             // both.

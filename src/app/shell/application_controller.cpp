@@ -10,12 +10,13 @@ ApplicationController::ApplicationController(ApplicationServices services)
     : services_(std::move(services))
     , systemLog_(LoggerFactory::makeLogger(QStringLiteral("ApplicationController")))
     , zoneEditor_(services_.fileLog)
-    , layoutSelector_(services_.fileLog)
+    , layoutSelector_(layoutSwitchServices())
     , backupSettings_(services_.fileLog)
     , restoreSettings_(services_.fileLog)
     , moveWindow_(services_.platform.windows(), services_.platform.displayFrames(),
                   services_.platform.displays())
-    , layoutCycle_(services_.fileLog)
+    , layoutCycleHUD_(services_.views.layoutSwitchViews(), services_.scheduler)
+    , layoutCycle_(layoutSwitchServices(), layoutCycleHUD_)
     , quickStart_(services_.fileLog)
     , preferencesWindow_(services_.views.makePreferencesWindow())
     , aboutWindow_(services_.views.makeAboutWindow())
@@ -38,6 +39,12 @@ void ApplicationController::log(const QString& line) const {
     if (services_.fileLog) {
         services_.fileLog(line);
     }
+}
+
+LayoutSwitchServices ApplicationController::layoutSwitchServices() {
+    return {services_.configStore, services_.platform.displays(),
+            services_.platform.displayFrames(), services_.views.layoutSwitchViews(),
+            services_.fileLog};
 }
 
 PaneforgeConfig ApplicationController::loadConfigOrDefault() const {

@@ -10,6 +10,7 @@
 #include "app/shell/stand_in_controllers.h"
 #include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
+#include "app/switching/layout_selector_controller.h"
 #include "core/config/config_store.h"
 #include "core/diagnostics/logger_factory.h"
 
@@ -73,6 +74,7 @@ private:
     void startSnapAndPermissions();
     void watchConfigFile();
     PaneforgeConfig loadConfigOrDefault() const;
+    LayoutSwitchServices layoutSwitchServices();
     void log(const QString& line) const;
     // Wraps `action` so that it runs only while this controller exists.
     std::function<void()> guarded(std::function<void()> action) const;
@@ -80,11 +82,12 @@ private:
     ApplicationServices services_;
     Logger systemLog_;
     StandInZoneEditorController zoneEditor_;
-    StandInLayoutSelectorController layoutSelector_;
+    LayoutSelectorController layoutSelector_;
     StandInBackupSettingsController backupSettings_;
     StandInRestoreSettingsController restoreSettings_;
     MoveWindowController moveWindow_;
-    StandInLayoutCycleController layoutCycle_;
+    LayoutCycleHUDController layoutCycleHUD_;
+    LayoutCycleController layoutCycle_;
     StandInQuickStartController quickStart_;
     std::unique_ptr<ShellWindow> preferencesWindow_;
     std::unique_ptr<ShellWindow> aboutWindow_;

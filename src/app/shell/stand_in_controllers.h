@@ -37,21 +37,6 @@ public:
     }
 };
 
-class StandInLayoutSelectorController final : public StandInController {
-public:
-    explicit StandInLayoutSelectorController(LogSink log)
-        : StandInController(QStringLiteral("StandInLayoutSelectorController"), std::move(log)) {}
-    void showForPointerDisplay() { called(QStringLiteral("showForPointerDisplay")); }
-};
-
-class StandInLayoutCycleController final : public StandInController {
-public:
-    explicit StandInLayoutCycleController(LogSink log)
-        : StandInController(QStringLiteral("StandInLayoutCycleController"), std::move(log)) {}
-    void cycleNext() { called(QStringLiteral("cycleNext")); }
-    void cyclePrevious() { called(QStringLiteral("cyclePrevious")); }
-};
-
 class StandInBackupSettingsController final : public StandInController {
 public:
     explicit StandInBackupSettingsController(LogSink log)
