@@ -253,8 +253,8 @@ void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
     row("previous layout", &M::previousLayout,
         {"LayoutCycleController.cyclePrevious display=" + display + " none"});
     row("preferences", &M::openPreferences, {"preferences.show"});
-    row("backup", &M::backupSettings, {"StandInBackupSettingsController.runBackup"});
-    row("restore", &M::restoreSettings, {"StandInRestoreSettingsController.runRestore"});
+    row("backup", &M::backupSettings, {"backup.choose"});
+    row("restore", &M::restoreSettings, {"restore.choose"});
     row("quick start", &M::openQuickStart, {"StandInQuickStartController.show"});
     row("reveal log file", &M::revealLogFile,
         {"ApplicationController.revealLogFile path=/logs/Paneforge.log",

@@ -178,6 +178,35 @@ public:
     }
 };
 
+// The backup windows, answering as scripted: the chosen files and whether Restore is pressed.
+class Backups final : public BackupViews {
+public:
+    Journal journal;
+    std::optional<QString> destination;
+    std::optional<QString> source;
+    bool confirm = false;
+    QString suggestedName;
+    std::optional<SettingsBackupPreview> shownPreview;
+
+    std::optional<QString> chooseBackupDestination(const QString& suggested) override {
+        journal(QStringLiteral("backup.choose"));
+        suggestedName = suggested;
+        return destination;
+    }
+    std::optional<QString> chooseBackupToRestore() override {
+        journal(QStringLiteral("restore.choose"));
+        return source;
+    }
+    bool confirmRestore(const SettingsBackupPreview& preview) override {
+        journal(QStringLiteral("restore.preview"));
+        shownPreview = preview;
+        return confirm;
+    }
+    void showWarning(const QString& title, const QString& reason) override {
+        journal(QStringLiteral("warning %1: %2").arg(title, reason));
+    }
+};
+
 class NoKeyMonitor final : public KeyDownMonitorApi {
 public:
     std::unique_ptr<Monitor> addLocalMonitor(Handler) override { return nullptr; }
@@ -189,6 +218,7 @@ public:
     NoKeyMonitor keyMonitor;
     Alerts alertBoxes;
     LayoutSwitchScreen layoutSwitch;
+    Backups backups;
     Journal journal;
     int statusItemsMade = 0;
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
@@ -213,6 +243,10 @@ public:
     AlertPresenter& alerts() override {
         alertBoxes.journal = journal;
         return alertBoxes;
+    }
+    BackupViews& backupViews() override {
+        backups.journal = journal;
+        return backups;
     }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
     std::optional<QString> keyWindowTitle() override { return keyWindow; }

@@ -11,8 +11,11 @@ ApplicationController::ApplicationController(ApplicationServices services)
     , systemLog_(LoggerFactory::makeLogger(QStringLiteral("ApplicationController")))
     , zoneEditor_(services_.fileLog)
     , layoutSelector_(layoutSwitchServices())
-    , backupSettings_(services_.fileLog)
-    , restoreSettings_(services_.fileLog)
+    , backupSettings_(
+          services_.configStore, services_.views.backupViews(), QStringLiteral(PANEFORGE_VERSION),
+          [] { return QDateTime::currentDateTime(); }, services_.fileLog)
+    , restoreSettings_(services_.configStore, services_.views.backupViews(),
+                       services_.notifications, services_.fileLog)
     , moveWindow_(services_.platform.windows(), services_.platform.displayFrames(),
                   services_.platform.displays())
     , layoutCycleHUD_(services_.views.layoutSwitchViews(), services_.scheduler)

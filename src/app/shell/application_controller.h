@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/backup/settings_backup_controllers.h"
 #include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "app/input/hotkey_slots.h"
@@ -83,8 +84,8 @@ private:
     Logger systemLog_;
     StandInZoneEditorController zoneEditor_;
     LayoutSelectorController layoutSelector_;
-    StandInBackupSettingsController backupSettings_;
-    StandInRestoreSettingsController restoreSettings_;
+    BackupSettingsController backupSettings_;
+    RestoreSettingsController restoreSettings_;
     MoveWindowController moveWindow_;
     LayoutCycleHUDController layoutCycleHUD_;
     LayoutCycleController layoutCycle_;

@@ -37,20 +37,6 @@ public:
     }
 };
 
-class StandInBackupSettingsController final : public StandInController {
-public:
-    explicit StandInBackupSettingsController(LogSink log)
-        : StandInController(QStringLiteral("StandInBackupSettingsController"), std::move(log)) {}
-    void runBackup() { called(QStringLiteral("runBackup")); }
-};
-
-class StandInRestoreSettingsController final : public StandInController {
-public:
-    explicit StandInRestoreSettingsController(LogSink log)
-        : StandInController(QStringLiteral("StandInRestoreSettingsController"), std::move(log)) {}
-    void runRestore() { called(QStringLiteral("runRestore")); }
-};
-
 class StandInQuickStartController final : public StandInController {
 public:
     explicit StandInQuickStartController(LogSink log)
