@@ -48,6 +48,7 @@ private Q_SLOTS:
     void hotkeysRegisterExceptTheWindowManagers();
     void moveHotkeyMovesTheFocusedWindow();
     void restoredBackupReachesTheRunningAgent();
+    void restoreFromTheMenuShowsThePreviewFirst();
     void trayMenuRowsReachTheirFeatures();
     void aboutWindowTakesTheKeyboard();
     void layoutSelectorTakesTheKeyboardAndPicks();
@@ -235,6 +236,34 @@ void AgentShellTest::restoredBackupReachesTheRunningAgent() {
         const auto now = frame(xterm_);
         return now && start && std::abs(now->minX() - start->minX()) > 500;
     }));
+}
+
+void AgentShellTest::restoreFromTheMenuShowsThePreviewFirst() {
+    const QTemporaryDir folder;
+    const QString backup = folder.filePath("backup.json");
+    const QByteArray original = configBytes();
+    QCOMPARE(paneforge({"backup", "export", backup}), 0);
+    const ConfigStore store(LoggerFactory::makeLogger("Test"),
+                            [this] { return agent_.configHome(); });
+    store.saveConfig(store.loadConfig().withCellMarginPoints(30));
+    const QByteArray changed = configBytes();
+
+    // "Restore Settings…", sixth from the bottom: the file dialog has the keyboard, so the file's
+    // name can be typed; then the preview has it, and Return restores.
+    const auto activeWindowNamed = [&](const QString& title) {
+        return X11TestSession::waitUntil([&] {
+            const QStringList windows = visibleAgentWindows(title);
+            return windows.size() == 1 && activeWindow() == windows.front().toUInt();
+        });
+    };
+    QVERIFY(activate(xterm_));
+    QVERIFY(chooseFromTrayMenu("Up Up Up Up Up Up Return"));
+    QVERIFY2(activeWindowNamed("^Restore Settings$"), qPrintable(agent_.logText()));
+    QVERIFY(xdotool({"type", backup}) && xdotool({"key", "Return"}));
+    QVERIFY2(activeWindowNamed("^Restore Settings\\?$"), qPrintable(agent_.logText()));
+    QCOMPARE(configBytes(), changed);
+    QVERIFY(xdotool({"key", "Return"}));
+    QVERIFY(X11TestSession::waitUntil([&] { return configBytes() == original; }));
 }
 
 void AgentShellTest::trayMenuRowsReachTheirFeatures() {
