@@ -5,6 +5,7 @@
 #   about.png       the about window
 #   layout-selector.png  the layout selector over the right monitor, the focus one card on
 #   layout-hud.png  the heads-up display naming the next layout
+#   restore-preview.png  "Restore Settings?" for a backup with layouts on two displays
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -153,4 +154,36 @@ read -r x y w h < <(geometry "$hud")
 import -window root -crop "$((w + 2 * margin))x$((h + 2 * margin))+$((x - margin))+$((y - margin))" +repage \
   "$out/layout-hud.png"
 
-echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png and layout-hud.png"
+# The restore preview of a backup with layouts on two displays, opened from the menu: the file's
+# name typed into the dialog, then the preview in its own frame.
+xdotool key Escape
+wait_for '(($(agent_windows) == 1))'
+cat >"$work/config/Paneforge/config.json" <<JSON
+{"displays":{
+"v4268-p41234-s1":{"activeLayoutId":"halves","layouts":[
+$(layout halves Halves "" 0.5),
+$(layout columns "Three Columns" "" "0.3333,0.6667"),
+$(layout wide "Wide Left" "" 0.65),
+$(layout quarters Quarters 0.5 0.5),
+$(layout rows "Two Rows" 0.5 ""),
+$(layout focus "Focus" "" "0.25,0.75"),
+$(layout sidebar "   " "" 0.25)]},
+"v4268-p41234-s2":{"activeLayoutId":"code","layouts":[
+$(layout code Code "" 0.6),
+$(layout grid "Grid" "0.5" "0.3333,0.6667")]}},
+"defaultLayout":$(layout default Default "" 0.5),"cellMarginPoints":8}
+JSON
+XDG_CONFIG_HOME=$work/config "$agent" backup export "$work/backup.json" >/dev/null
+open_menu
+xdotool key Up Up Up Up Up Up Return
+wait_for "xdotool search --onlyvisible --name '^Restore Settings\$'"
+sleep 0.3
+xdotool type "$work/backup.json"
+xdotool key Return
+wait_for "xdotool search --onlyvisible --name '^Restore Settings\\?\$'"
+sleep 0.5
+preview=$(xdotool search --onlyvisible --name '^Restore Settings\?$' | head -n 1)
+import -frame -window "$preview" "$out/restore-preview.png"
+xdotool key Escape
+
+echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png and restore-preview.png"

@@ -43,7 +43,9 @@ void RestorePreviewBoardView::paintEvent(QPaintEvent*) {
     const LayoutCardColors colors = LayoutCardColors::from(palette());
     for (std::size_t i = 0; i < sections_.size(); ++i) {
         const double top = B::sectionMinY(static_cast<int>(i), counts_);
-        painter.setFont(pointFont(*this, 12));
+        QFont title = pointFont(*this, 12);
+        title.setBold(true); // apart from the header text just above the first section
+        painter.setFont(title);
         painter.setPen(colors.label);
         painter.drawText(QRectF(B::padding, top, B::boardWidth(counts_), B::sectionHeaderHeight),
                          Qt::AlignLeft | Qt::AlignVCenter, sections_[i].title);
