@@ -65,6 +65,7 @@ private Q_SLOTS:
     void releasingTheCombinationRestores();
     void eachMonitorSnapsToItsOwnLayout();
     void nextLayoutHotkeySwitchesThePointersMonitor();
+    void selectorBackdropClosesOnAClick();
     void hostileConfigurations_data();
     void hostileConfigurations();
     void refusesToStartWithoutADisplay();
@@ -201,11 +202,13 @@ void AgentSnappingTest::initTestCase() {
         displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
                                   DisplayLayouts(QStringLiteral("rows"), {rows, quarters}));
     }
-    // Control+Option+N (key code 45): the next layout.
+    // Control+Option+N (key code 45): the next layout; Control+Option+L (37): the selector.
     config_ = PaneforgeConfig::makeDefault()
                   .copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0)
                   .withNextLayoutHotkey(
-                      HotkeyDefinition{45, modifier_bits::kControl | modifier_bits::kOption});
+                      HotkeyDefinition{45, modifier_bits::kControl | modifier_bits::kOption})
+                  .withOpenLayoutSelectorHotkey(
+                      HotkeyDefinition{37, modifier_bits::kControl | modifier_bits::kOption});
     saveConfig(*config_);
 
     QProcessEnvironment env;
@@ -375,6 +378,41 @@ void AgentSnappingTest::nextLayoutHotkeySwitchesThePointersMonitor() {
              qPrintable(describe(frame()) + "\n" + logText()));
 }
 
+void AgentSnappingTest::selectorBackdropClosesOnAClick() {
+    // The monitor has no layouts: the selector saves one first and shows its card, over a dimmed
+    // backdrop, with the keyboard.
+    const auto display = displays_.getDisplayId({10, 10});
+    QVERIFY(display);
+    const QString stableId = displays_.getIdentifier(*display).stableId();
+    QVERIFY(xdotool({QStringLiteral("mousemove"), QStringLiteral("960"), QStringLiteral("300")}));
+    QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+l")}));
+    const auto shown = [this](const char* name) {
+        QString output;
+        session_.run(QStringLiteral("xdotool"),
+                     {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                      QStringLiteral("--name"), QString::fromLatin1(name)},
+                     &output);
+        return output.trimmed();
+    };
+    QVERIFY2(X11TestSession::waitUntil([&] {
+                 const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
+                 return !shown("^Paneforge Layout Backdrop$").isEmpty() && !active.empty() &&
+                        shown("^Switch Layout$") == QString::number(active.front());
+             }),
+             qPrintable(logText()));
+    const PaneforgeConfig saved =
+        ConfigStore(LoggerFactory::makeLogger(QStringLiteral("Test")), [this] {
+            return home_.filePath(QStringLiteral("config"));
+        }).loadConfig();
+    QCOMPARE(saved.displays().at(stableId).layouts().size(), std::size_t{1});
+    // A click on the backdrop, well away from the panel, closes both.
+    QVERIFY(xdotool({QStringLiteral("mousemove"), QStringLiteral("100"), QStringLiteral("900"),
+                     QStringLiteral("click"), QStringLiteral("1")}));
+    QVERIFY(X11TestSession::waitUntil([&] {
+        return shown("^Switch Layout$").isEmpty() && shown("^Paneforge Layout Backdrop$").isEmpty();
+    }));
+}
+
 // Whatever is at the configuration path, a snap ends promptly and sanely: a named pipe or a device
 // is refused rather than read (a pipe froze the agent, a device filled its memory), and a margin
 // of any size leaves the window on the desktop or where it was.
@@ -485,9 +523,10 @@ int main(int argc, char** argv) {
             arguments << QStringLiteral("eachMonitorSnapsToItsOwnLayout")
                       << QStringLiteral("nextLayoutHotkeySwitchesThePointersMonitor");
         } else if (kComposited) {
-            // Only the overlay's window and the tray differ from the plain desk: one snap shows
-            // both.
-            arguments << QStringLiteral("singleSnapPressedMidDrag");
+            // Only the overlay's window, the selector's backdrop and the tray differ from the
+            // plain desk: one snap and one selector show them.
+            arguments << QStringLiteral("singleSnapPressedMidDrag")
+                      << QStringLiteral("selectorBackdropClosesOnAClick");
         } else {
             arguments << QStringLiteral("singleSnapPressedMidDrag")
                       << QStringLiteral("multiSnapTakesTheBoundingBox")

@@ -27,7 +27,14 @@ void LayoutSelectorController::show(DisplayId displayId) {
     if (layouts.empty()) {
         // A display without layouts gets its first one saved (and active) before it is shown.
         const GridDefinition fallback = layouts_.getOrCreateLayout(config, stableId_);
-        config = layouts_.save(config, stableId_, fallback);
+        try {
+            config = layouts_.save(config, stableId_, fallback);
+        } catch (const std::exception& error) {
+            // A default layout without a usable name cannot be saved for the display.
+            services_.log(QStringLiteral("LayoutSelectorController.show failed: ") +
+                          QString::fromUtf8(error.what()));
+            return;
+        }
         try {
             services_.store.saveConfig(config);
         } catch (const std::exception&) {
