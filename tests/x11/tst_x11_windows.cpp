@@ -87,15 +87,6 @@ private Q_SLOTS:
         QVERIFY(log_.last().contains("retried=false"));
     }
 
-    void focusedWindowFollowsActivation() {
-        QVERIFY(session_.run("xdotool", {"windowactivate", "--sync", QString::number(term_)}));
-        QVERIFY(X11TestSession::waitUntil(
-            [&] { return X11WindowService::clientOf(windows_.focusedWindow()) == term_; }));
-        QVERIFY(session_.run("xdotool", {"windowactivate", "--sync", QString::number(logo_)}));
-        QVERIFY(X11TestSession::waitUntil(
-            [&] { return X11WindowService::clientOf(windows_.focusedWindow()) == logo_; }));
-    }
-
     void singleMonitorUsesTheWorkArea() {
         X11DisplayServices displays(connection_);
         const auto ids = displays.getActiveDisplays();
