@@ -3,6 +3,7 @@
 // times: one monitor without a compositor or tray, one with both, and two monitors.
 
 #include "core/config/config_store.h"
+#include "core/diagnostics/snap_diagnostic_formatter.h"
 #include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_window_service.h"
@@ -41,12 +42,7 @@ bool near(const DesktopRect& a, const DesktopRect& b) {
 }
 
 QString describe(const std::optional<DesktopRect>& rect) {
-    return rect ? QString("(%1,%2 %3x%4)")
-                      .arg(rect->minX())
-                      .arg(rect->minY())
-                      .arg(rect->width())
-                      .arg(rect->height())
-                : QString("none");
+    return rect ? SnapDiagnosticFormatter::formatRect(*rect) : QString("none");
 }
 
 } // namespace
