@@ -3,6 +3,9 @@
 # two monitors, openbox, a trayer tray host), written as PNGs into docs/screenshots/:
 #   tray-menu.png   the tray menu, open on its "Zone Editor…" submenu of displays
 #   about.png       the about window
+#   layout-selector.png  the layout selector over the right monitor, the focus one card on
+#   layout-hud.png  the heads-up display naming the next layout
+#   restore-preview.png  "Restore Settings?" for a backup with layouts on two displays
 #   quick-start-welcome.png, quick-start-create-layout.png, quick-start-snap.png
 #                   the quick start guide's three pages, as a first start shows it
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
@@ -118,4 +121,80 @@ sleep 0.5
 about=$(xdotool search --onlyvisible --name '^About Paneforge$' | head -n 1)
 import -frame -window "$about" "$out/about.png"
 
-echo "screenshots: wrote $out/tray-menu.png, $out/about.png and $out/quick-start-*.png"
+xdotool key Escape
+
+# The layout selector. Opened once on the tray's monitor to learn that monitor's id from the log,
+# then given four layouts there (the agent reads its settings afresh every time).
+wait_for '(($(agent_windows) == 1))'
+selector_shown() { xdotool search --onlyvisible --name '^Switch Layout$'; }
+open_menu
+xdotool key Down Return
+wait_for selector_shown
+xdotool key Escape
+wait_for '! selector_shown'
+display=$(grep -o 'LayoutSelectorController.show display=[^ ]*' "$work/state/Paneforge/Paneforge.log" |
+  head -n 1 | cut -d= -f2)
+layout() { printf '{"id":"%s","name":"%s","horizontalSplits":[%s],"verticalSplits":[%s]}' "$@"; }
+cat >"$work/config/Paneforge/config.json" <<JSON
+{"displays":{"$display":{"activeLayoutId":"columns","layouts":[
+$(layout halves Halves "" 0.5),
+$(layout columns "Three Columns" "" "0.3333,0.6667"),
+$(layout wide "Wide Left" "" 0.65),
+$(layout quarters Quarters 0.5 0.5)]}},
+"defaultLayout":$(layout default Default "" 0.5),"cellMarginPoints":8}
+JSON
+open_menu
+xdotool key Down Return
+wait_for selector_shown
+xdotool key Right
+sleep 0.5
+panel=$(selector_shown | head -n 1)
+read -r x y w h < <(geometry "$panel")
+margin=40
+import -window root -crop "$((w + 2 * margin))x$((h + 2 * margin))+$((x - margin))+$((y - margin))" +repage \
+  "$out/layout-selector.png"
+xdotool key Escape
+wait_for '! selector_shown'
+
+# The heads-up display after "Next Layout".
+open_menu
+xdotool key Down Down Return
+wait_for "xdotool search --onlyvisible --name '^Paneforge Layout\$'"
+hud=$(xdotool search --onlyvisible --name '^Paneforge Layout$' | head -n 1)
+read -r x y w h < <(geometry "$hud")
+import -window root -crop "$((w + 2 * margin))x$((h + 2 * margin))+$((x - margin))+$((y - margin))" +repage \
+  "$out/layout-hud.png"
+
+# The restore preview of a backup with layouts on two displays, opened from the menu: the file's
+# name typed into the dialog, then the preview in its own frame.
+xdotool key Escape
+wait_for '(($(agent_windows) == 1))'
+cat >"$work/config/Paneforge/config.json" <<JSON
+{"displays":{
+"v4268-p41234-s1":{"activeLayoutId":"halves","layouts":[
+$(layout halves Halves "" 0.5),
+$(layout columns "Three Columns" "" "0.3333,0.6667"),
+$(layout wide "Wide Left" "" 0.65),
+$(layout quarters Quarters 0.5 0.5),
+$(layout rows "Two Rows" 0.5 ""),
+$(layout focus "Focus" "" "0.25,0.75"),
+$(layout sidebar "   " "" 0.25)]},
+"v4268-p41234-s2":{"activeLayoutId":"code","layouts":[
+$(layout code Code "" 0.6),
+$(layout grid "Grid" "0.5" "0.3333,0.6667")]}},
+"defaultLayout":$(layout default Default "" 0.5),"cellMarginPoints":8}
+JSON
+XDG_CONFIG_HOME=$work/config "$agent" backup export "$work/backup.json" >/dev/null
+open_menu
+xdotool key Up Up Up Up Up Up Return
+wait_for "xdotool search --onlyvisible --name '^Restore Settings\$'"
+sleep 0.3
+xdotool type "$work/backup.json"
+xdotool key Return
+wait_for "xdotool search --onlyvisible --name '^Restore Settings\\?\$'"
+sleep 0.5
+preview=$(xdotool search --onlyvisible --name '^Restore Settings\?$' | head -n 1)
+import -frame -window "$preview" "$out/restore-preview.png"
+xdotool key Escape
+
+echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png and quick-start-*.png"

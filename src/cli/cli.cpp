@@ -19,6 +19,7 @@ const QString kUsage = QStringLiteral(
     "       paneforge config print [FILE]\n"
     "       paneforge backup export FILE [--force]\n"
     "       paneforge backup check FILE\n"
+    "       paneforge backup restore FILE [--yes]\n"
     "\n"
     "Without arguments paneforge starts the snapping agent.\n"
     "\n"
@@ -26,7 +27,9 @@ const QString kUsage = QStringLiteral(
     "config check    check a configuration file (default: yours) and explain what is wrong\n"
     "config print    print a configuration as Paneforge would save it\n"
     "backup export   write a backup of your configuration to FILE (--force overwrites)\n"
-    "backup check    check a backup file and describe what it holds\n");
+    "backup check    check a backup file and describe what it holds\n"
+    "backup restore  replace your configuration with a backup's, after showing what it holds\n"
+    "                and asking (--yes does not ask)\n");
 
 int usageError(QTextStream& err, const QString& problem) {
     err << "paneforge: " << problem << "\n" << kUsage;
@@ -137,6 +140,32 @@ int runConfig(const QList<Argument>& args, QTextStream& out, QTextStream& err,
     return usageError(err, QStringLiteral("unknown config command “%1”").arg(command));
 }
 
+// Replaces the user's configuration with a backup's in one atomic save, once the user agrees. A
+// running agent sees the new file by itself.
+int restoreConfig(const PaneforgeConfig& config, bool yes, QTextStream& out, QTextStream& err,
+                  const CliEnvironment& environment) {
+    if (!yes) {
+        out << "Restore this backup over your configuration? [y/N] ";
+        out.flush();
+        const auto answer = environment.readAnswer();
+        const QString word = answer ? answer->trimmed().toLower() : QString();
+        if (word != QLatin1String("y") && word != QLatin1String("yes")) {
+            out << "Nothing was changed.\n";
+            return 1;
+        }
+    }
+    const ConfigStore store(LoggerFactory::makeLogger(QStringLiteral("ConfigStore")),
+                            environment.configDirectory);
+    try {
+        store.saveConfig(config);
+    } catch (const ConfigStoreError& error) {
+        err << "paneforge: the configuration could not be saved: " << error.message() << "\n";
+        return 1;
+    }
+    out << "Configuration restored to " << store.getConfigPath() << "\n";
+    return 0;
+}
+
 int runBackup(const QList<Argument>& args, QTextStream& out, QTextStream& err,
               const CliEnvironment& environment) {
     if (args.isEmpty()) {
@@ -145,16 +174,20 @@ int runBackup(const QList<Argument>& args, QTextStream& out, QTextStream& err,
     const QString command = args.front().text;
     QList<Argument> files;
     bool force = false;
+    bool yes = false;
     for (const Argument& arg : args.mid(1)) {
         if (arg.text == QLatin1String("--force") && command == QLatin1String("export")) {
             force = true;
+        } else if (arg.text == QLatin1String("--yes") && command == QLatin1String("restore")) {
+            yes = true;
         } else if (arg.text.startsWith(QLatin1Char('-'))) {
             return usageError(err, QStringLiteral("unknown option “%1”").arg(arg.text));
         } else {
             files.append(arg);
         }
     }
-    if (command != QLatin1String("export") && command != QLatin1String("check")) {
+    if (command != QLatin1String("export") && command != QLatin1String("check") &&
+        command != QLatin1String("restore")) {
         return usageError(err, QStringLiteral("unknown backup command “%1”").arg(command));
     }
     if (files.size() != 1) {
@@ -196,7 +229,10 @@ int runBackup(const QList<Argument>& args, QTextStream& out, QTextStream& err,
         out << SettingsBackupPreviewBuilder::informativeText(
                    preview, SettingsBackupPreviewBuilder::defaultDateFormatter())
             << "\n";
-        return 0;
+        if (command == QLatin1String("check")) {
+            return 0;
+        }
+        return restoreConfig(document.config, yes, out, err, environment);
     } catch (const SettingsBackupDecodingError& error) {
         err << "paneforge: " << path << ": " << error.message() << "\n";
     } catch (const SettingsBackupRestoreException& error) {
@@ -239,6 +275,15 @@ int runCli(const QList<Argument>& args, QTextStream& out, QTextStream& err,
 }
 
 } // namespace
+
+std::optional<QString> readStandardInputLine() {
+    QTextStream in(stdin);
+    QString line;
+    if (!in.readLineInto(&line)) {
+        return std::nullopt;
+    }
+    return line;
+}
 
 bool isCliInvocation(const QStringList& args) {
     return !args.isEmpty();

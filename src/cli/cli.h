@@ -4,13 +4,21 @@
 
 #include <QStringList>
 #include <QTextStream>
+#include <functional>
+#include <optional>
 
 namespace paneforge {
+
+// A line of standard input without its line end; none at the end of the input.
+std::optional<QString> readStandardInputLine();
 
 // What the headless commands need from their surroundings, injected so that tests never touch
 // the user's real files.
 struct CliEnvironment {
     ConfigDirectoryProvider configDirectory = defaultConfigDirectoryProvider();
+    // One line the user types in answer to a question (standard input by default); none at the
+    // end of the input.
+    std::function<std::optional<QString>()> readAnswer = readStandardInputLine;
 };
 
 // Runs one headless command (`args` without the program name). Returns the process exit code: 0

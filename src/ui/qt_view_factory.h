@@ -2,7 +2,9 @@
 
 #include "app/ports/native_windows.h"
 #include "app/ports/view_factory.h"
+#include "ui/layout_switch_views.h"
 #include "ui/qt_alert_presenter.h"
+#include "ui/qt_backup_views.h"
 #include "ui/qt_key_down_monitor.h"
 #include "ui/snap_overlay_window.h"
 
@@ -20,6 +22,8 @@ public:
     std::unique_ptr<ShellWindow> makeAboutWindow() override;
     std::unique_ptr<ShellWindow> makePreferencesWindow() override;
     AlertPresenter& alerts() override { return alerts_; }
+    LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitchViews_; }
+    BackupViews& backupViews() override { return backupViews_; }
     KeyDownMonitorApi& keyDownMonitor() override { return keyDownMonitor_; }
     std::optional<QString> keyWindowTitle() override;
     std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) override;
@@ -32,6 +36,8 @@ private:
     QtSnapOverlayFactory snapOverlays_;
     QtAlertPresenter alerts_;
     QtKeyDownMonitor keyDownMonitor_;
+    QtLayoutSwitchViews layoutSwitchViews_{nativeWindows_};
+    QtBackupViews backupViews_{nativeWindows_};
 };
 
 } // namespace paneforge

@@ -174,11 +174,11 @@ void ApplicationControllerTest::hotkeysTriggerTheirActions_data() {
     QTest::newRow("open editor over the preferences")
         << 1u << true << "ApplicationController.handleOpenEditorHotkey";
     QTest::newRow("open preferences") << 2u << false << "preferences.show";
-    QTest::newRow("layout selector")
-        << 3u << false << "StandInLayoutSelectorController.showForPointerDisplay";
+    QTest::newRow("layout selector") << 3u << false << "LayoutSelectorController.show display=";
     QTest::newRow("move to next display") << 4u << false << "";
-    QTest::newRow("next layout") << 5u << false << "StandInLayoutCycleController.cycleNext";
-    QTest::newRow("previous layout") << 6u << false << "StandInLayoutCycleController.cyclePrevious";
+    QTest::newRow("next layout") << 5u << false << "LayoutCycleController.cycleNext display=";
+    QTest::newRow("previous layout")
+        << 6u << false << "LayoutCycleController.cyclePrevious display=";
 }
 
 void ApplicationControllerTest::hotkeysTriggerTheirActions() {
@@ -247,13 +247,17 @@ void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
                         bool updater = false) {
         QTest::newRow(name) << action << updater << effects;
     };
+    // The display has no layouts yet: the selector saves one first, cycling has nothing to do.
+    const QString display = fakes::Desk::identifierFor(1).stableId();
     row("switch layout", &M::openLayoutSelector,
-        {"StandInLayoutSelectorController.showForPointerDisplay"});
-    row("next layout", &M::nextLayout, {"StandInLayoutCycleController.cycleNext"});
-    row("previous layout", &M::previousLayout, {"StandInLayoutCycleController.cyclePrevious"});
+        {"LayoutSelectorController.show display=" + display + " layouts=1"});
+    row("next layout", &M::nextLayout,
+        {"LayoutCycleController.cycleNext display=" + display + " none"});
+    row("previous layout", &M::previousLayout,
+        {"LayoutCycleController.cyclePrevious display=" + display + " none"});
     row("preferences", &M::openPreferences, {"preferences.show"});
-    row("backup", &M::backupSettings, {"StandInBackupSettingsController.runBackup"});
-    row("restore", &M::restoreSettings, {"StandInRestoreSettingsController.runRestore"});
+    row("backup", &M::backupSettings, {"backup.choose"});
+    row("restore", &M::restoreSettings, {"restore.choose"});
     row("quick start", &M::openQuickStart, {"quickStart.present"});
     row("reveal log file", &M::revealLogFile,
         {"ApplicationController.revealLogFile path=/logs/Paneforge.log",

@@ -7,32 +7,6 @@ using namespace paneforge;
 
 namespace {
 
-// One window, focused or only under the pointer; its moves are recorded.
-class OneWindow final : public WindowService {
-public:
-    const WindowRef window = std::make_shared<WindowElement>();
-    DesktopRect windowFrame;
-    bool focused = true;
-    QList<DesktopRect> moves;
-
-    bool isTrusted() override { return true; }
-    void requestTrustPrompt() override {}
-    WindowRef windowUnderPoint(DesktopPoint point) override {
-        return windowFrame.contains(point) ? window : nullptr;
-    }
-    WindowRef focusedWindow() override { return focused ? window : nullptr; }
-    std::optional<DesktopRect> frame(const WindowRef& w) override {
-        return w == window ? std::optional(windowFrame) : std::nullopt;
-    }
-    bool isStandardWindow(const WindowRef&) override { return true; }
-    void setFrame(const WindowRef& w, const DesktopRect& frame) override {
-        QVERIFY(w == window);
-        moves << frame;
-    }
-    QString describeWindow(const WindowRef&) override { return {}; }
-    bool sameWindow(const WindowRef& a, const WindowRef& b) override { return a == b; }
-};
-
 // Display frames; each visible frame leaves out a 40-point dock at the bottom.
 using Displays = QList<DesktopRect>;
 const DesktopRect kLeft(0, 0, 1000, 840);      // visible (0, 40, 1000, 800)
@@ -87,11 +61,15 @@ private Q_SLOTS:
                            DesktopRect(frame.x(), 40, frame.width(), frame.height() - 40));
         }
         desk.pointer = pointer;
-        OneWindow windows;
-        windows.windowFrame = window;
-        windows.focused = focused;
+        fakes::Windows windows;
+        windows.add(1, window);
+        windows.focus = focused;
         MoveWindowController(windows, desk, desk).moveFrontmostWindowToNextDisplay();
-        QCOMPARE(windows.moves, moves);
+        QList<DesktopRect> moved;
+        for (const auto& call : windows.setFrameCalls) {
+            moved << call.frame;
+        }
+        QCOMPARE(moved, moves);
     }
 };
 

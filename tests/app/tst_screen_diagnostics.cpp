@@ -1,31 +1,24 @@
 #include "app/runtime/screen_diagnostics.h"
+#include "snap_fakes.h"
 
 #include <QTest>
 
 using namespace paneforge;
-
-namespace {
-class FakeScreens final : public ScreenListing {
-public:
-    std::vector<ScreenInfo> list;
-    std::vector<ScreenInfo> screens() const override { return list; }
-};
-} // namespace
 
 class ScreenDiagnosticsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void noScreens() {
-        FakeScreens screens;
+        fakes::Desk screens;
         QStringList lines;
         ScreenDiagnostics(screens, [&](const QString& l) { lines << l; }).logTopology("appStart");
         QCOMPARE(lines, QStringList{"ScreenDiagnostics.appStart count=0 primaryMaxY=0.0"});
     }
 
     void topologyAndLookup() {
-        FakeScreens screens;
-        screens.list = {
+        fakes::Desk screens;
+        screens.screenList = {
             {"Built-in", 1u, 2.0, {0, 0, 1440, 900}, {0, 0, 1440, 875}, {0, 0, 1440, 900}},
             {"Side",
              std::nullopt,
@@ -38,8 +31,9 @@ private Q_SLOTS:
         diagnostics.logTopology("snapStart");
         QCOMPARE(lines.size(), 3);
         QCOMPARE(lines[0], QStringLiteral("ScreenDiagnostics.snapStart count=2 primaryMaxY=900.0"));
-        QVERIFY(lines[1].startsWith(
-            "[0] Built-in id=1 primary scale=2.0 cocoa=(0.0,0.0 1440.0x900.0)"));
+        QCOMPARE(lines[1],
+                 QString("[0] Built-in id=1 primary scale=2.0 cocoa=(0.0,0.0 1440.0x900.0) "
+                         "visible=(0.0,0.0 1440.0x875.0) quartz=(0.0,0.0 1440.0x900.0)"));
         QVERIFY(lines[2].startsWith("[1] Side id=0 secondary scale=1.0"));
 
         QCOMPARE(diagnostics.screen({1440, 10})->name, QStringLiteral("Side"));

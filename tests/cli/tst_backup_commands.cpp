@@ -4,18 +4,20 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <optional>
 
 using namespace paneforge;
 
 namespace {
 int run(const QStringList& args, const QString& configDirectory, QString* out = nullptr,
-        QString* err = nullptr) {
+        QString* err = nullptr, std::optional<QString> answer = std::nullopt) {
     QString o;
     QString e;
     QTextStream outStream(&o);
     QTextStream errStream(&e);
     CliEnvironment environment;
     environment.configDirectory = [configDirectory] { return configDirectory; };
+    environment.readAnswer = [answer] { return answer; };
     const int code = runCli(args, outStream, errStream, environment);
     outStream.flush();
     errStream.flush();
@@ -73,7 +75,48 @@ private Q_SLOTS:
         QVERIFY(err.contains("no such file"));
         QCOMPARE(run({"backup", "check"}, home.path()), 2);
         QCOMPARE(run({"backup", "check", file, "--force"}, home.path()), 2);
-        QCOMPARE(run({"backup", "restore", file}, home.path()), 2);
+        QCOMPARE(run({"backup", "restore", file, "--yes"}, home.path()), 1);
+        const ConfigStore store(LoggerFactory::makeLogger("ConfigStore"),
+                                [&] { return home.path(); });
+        QVERIFY(!QFile::exists(store.getConfigPath()));
+    }
+
+    void restoreAsksThenReplacesTheWholeConfiguration_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<std::optional<QString>>("answer");
+        QTest::addColumn<bool>("restored");
+        QTest::newRow("yes") << QStringList{} << std::optional<QString>("y") << true;
+        QTest::newRow("no") << QStringList{} << std::optional<QString>("n") << false;
+        QTest::newRow("end of input") << QStringList{} << std::optional<QString>() << false;
+        QTest::newRow("--yes asks nothing")
+            << QStringList{"--yes"} << std::optional<QString>() << true;
+    }
+
+    void restoreAsksThenReplacesTheWholeConfiguration() {
+        QFETCH(QStringList, options);
+        QFETCH(std::optional<QString>, answer);
+        QFETCH(bool, restored);
+        QTemporaryDir home;
+        const ConfigStore store(LoggerFactory::makeLogger("ConfigStore"),
+                                [&] { return home.path(); });
+        const auto saved = PaneforgeConfig::makeDefault().withCellMarginPoints(3);
+        store.saveConfig(saved);
+        const QString file = home.filePath("backup.json");
+        QCOMPARE(run({"backup", "export", file}, home.path()), 0);
+        QFile config(store.getConfigPath());
+        QVERIFY(config.open(QIODevice::ReadOnly));
+        const QByteArray savedBytes = config.readAll();
+        config.close();
+        store.saveConfig(PaneforgeConfig::makeDefault().withCellMarginPoints(20));
+        const QByteArray changedBytes = ConfigStore::encodeConfig(store.loadConfig());
+
+        QString out;
+        QCOMPARE(run(QStringList{"backup", "restore", file} + options, home.path(), &out, nullptr,
+                     answer),
+                 restored ? 0 : 1);
+        QVERIFY(out.contains("Default: Default"));
+        QVERIFY(config.open(QIODevice::ReadOnly));
+        QCOMPARE(config.readAll(), restored ? savedBytes : changedBytes);
     }
 };
 

@@ -90,19 +90,16 @@ private Q_SLOTS:
     void inputsThatAreNotRegularFiles_data() {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("reason");
-        const QString pipe = "PIPE";
-        QTest::newRow("config check, named pipe") << QStringList{"config", "check", pipe}
-                                                  << "PIPE: it is a named pipe, not a regular file";
-        QTest::newRow("config print, named pipe") << QStringList{"config", "print", pipe}
-                                                  << "PIPE: it is a named pipe, not a regular file";
-        QTest::newRow("backup check, named pipe") << QStringList{"backup", "check", pipe}
-                                                  << "PIPE: it is a named pipe, not a regular file";
-        QTest::newRow("backup check, device") << QStringList{"backup", "check", "/dev/zero"}
-                                              << "/dev/zero: it is a device, not a regular file";
-        QTest::newRow("config print, device") << QStringList{"config", "print", "/dev/zero"}
-                                              << "/dev/zero: it is a device, not a regular file";
-        QTest::newRow("config check, folder")
-            << QStringList{"config", "check", "/"} << "/: it is a folder, not a regular file";
+        const auto row = [](const char* tag, const QStringList& args, const char* kind) {
+            QTest::newRow(tag) << args
+                               << args.last() + ": it is a " + kind + ", not a regular file";
+        };
+        row("config check, named pipe", {"config", "check", "PIPE"}, "named pipe");
+        row("config print, named pipe", {"config", "print", "PIPE"}, "named pipe");
+        row("backup check, named pipe", {"backup", "check", "PIPE"}, "named pipe");
+        row("backup check, device", {"backup", "check", "/dev/zero"}, "device");
+        row("config print, device", {"config", "print", "/dev/zero"}, "device");
+        row("config check, folder", {"config", "check", "/"}, "folder");
     }
     void inputsThatAreNotRegularFiles() {
         QFETCH(QStringList, args);

@@ -257,21 +257,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("reason");
         QTest::addColumn<QString>("save");
-        QTest::newRow("folder") << "folder"
-                                << "it is a folder, not a regular file"
-                                << "refused";
-        QTest::newRow("named pipe") << "fifo"
-                                    << "it is a named pipe, not a regular file"
-                                    << "refused";
-        QTest::newRow("device") << "device"
-                                << "it is a device, not a regular file"
-                                << "untried";
-        QTest::newRow("oversized file") << "oversized"
-                                        << "it is larger than 16 MB"
-                                        << "replaces";
-        QTest::newRow("dangling link") << "dangling"
-                                       << "No such file or directory"
-                                       << "replaces";
+        const auto row = [](const char* kind, const char* reason, const char* save) {
+            QTest::newRow(kind) << QString(kind) << QString(reason) << QString(save);
+        };
+        row("folder", "it is a folder, not a regular file", "refused");
+        row("fifo", "it is a named pipe, not a regular file", "refused");
+        row("device", "it is a device, not a regular file", "untried");
+        row("oversized", "it is larger than 16 MB", "replaces");
+        row("dangling", "No such file or directory", "replaces");
     }
     void specialFilesAtThePath() {
         QFETCH(QString, kind);
@@ -320,17 +313,18 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("contents");
         QTest::addColumn<int>("ageSeconds");
         QTest::addColumn<bool>("kept");
+        const auto row = [](const char* tag, const QString& name, bool locked, const char* contents,
+                            int age, bool kept) {
+            QTest::newRow(tag) << name << locked << QByteArray(contents) << age << kept;
+        };
         const QString temporary = ".config.json.saving-Ab3dE9";
-        QTest::newRow("killed writer's") << temporary << false << QByteArray("{") << 60 << false;
-        QTest::newRow("killed writer's, empty")
-            << temporary << false << QByteArray() << 60 << false;
-        QTest::newRow("live writer's") << temporary << true << QByteArray("{") << 60 << true;
-        QTest::newRow("just created") << temporary << false << QByteArray() << 0 << true;
-        QTest::newRow("the user's copy")
-            << "config.json.backup" << false << QByteArray("{") << 60 << true;
-        QTest::newRow("another file's")
-            << ".other.json.saving-Ab3dE9" << false << QByteArray("{") << 60 << true;
-        QTest::newRow("longer name") << temporary + "7" << false << QByteArray("{") << 60 << true;
+        row("killed writer's", temporary, false, "{", 60, false);
+        row("killed writer's, empty", temporary, false, "", 60, false);
+        row("live writer's", temporary, true, "{", 60, true);
+        row("just created", temporary, false, "", 0, true);
+        row("the user's copy", "config.json.backup", false, "{", 60, true);
+        row("another file's", ".other.json.saving-Ab3dE9", false, "{", 60, true);
+        row("longer name", temporary + "7", false, "{", 60, true);
     }
     void leftoversOfKilledSavesAreRemoved() {
         QFETCH(QString, name);

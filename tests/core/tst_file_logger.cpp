@@ -151,38 +151,12 @@ private Q_SLOTS:
         }
     }
 
-    void formatterForms_data() {
-        QTest::addColumn<QString>("actual");
-        QTest::addColumn<QString>("expected");
-        using F = QString (*)(const DesktopRect&);
-        F rect = SnapDiagnosticFormatter::formatRect;
-        QTest::newRow("rect") << rect({0, -25.04, 1440, 900}) << "(0.0,-25.0 1440.0x900.0)";
-        QTest::newRow("point") << SnapDiagnosticFormatter::formatPoint({12.25, 800.96})
-                               << "(12.2,801.0)";
-        QTest::newRow("whole number") << SnapDiagnosticFormatter::formatDouble(1117.0) << "1117.0";
-        QTest::newRow("zero") << SnapDiagnosticFormatter::formatDouble(0.0) << "0.0";
-        QTest::newRow("fraction") << SnapDiagnosticFormatter::formatDouble(0.1) << "0.1";
-        QTest::newRow("screen")
-            << SnapDiagnosticFormatter::formatScreen(1, "DELL U2720Q", 4, false, 1.5,
-                                                     {1440, 0, 2560, 1440}, {1440, 0, 2560, 1415},
-                                                     {1440, -540, 2560, 1440})
-            << "[1] DELL U2720Q id=4 secondary scale=1.5 cocoa=(1440.0,0.0 2560.0x1440.0) "
-               "visible=(1440.0,0.0 2560.0x1415.0) quartz=(1440.0,-540.0 2560.0x1440.0)";
-        QTest::newRow("snap attempt without display")
-            << SnapDiagnosticFormatter::formatSnapAttempt({5, 6}, true, false, std::nullopt,
-                                                          "default", 2, 0, "nil")
-            << "point=(5.0,6.0) inFrame=true inVisible=false displayId=nil layout=default cells=2 "
-               "selected=0 requested=nil";
-        QTest::newRow("snap attempt")
-            << SnapDiagnosticFormatter::formatSnapAttempt({5, 6}, true, true, 69733382u, "A", 4, 1,
-                                                          "(8.0,33.0 984.0x784.0)")
-            << "point=(5.0,6.0) inFrame=true inVisible=true displayId=69733382 layout=A cells=4 "
-               "selected=1 requested=(8.0,33.0 984.0x784.0)";
-    }
-    void formatterForms() {
-        QFETCH(QString, actual);
-        QFETCH(QString, expected);
-        QCOMPARE(actual, expected);
+    // Rectangles, points and screens are checked under a comma locale (tst_machine_numbers), snap
+    // attempts in the snap controller's log.
+    void formatterDoubles() {
+        QCOMPARE(SnapDiagnosticFormatter::formatDouble(1117.0), QString("1117.0"));
+        QCOMPARE(SnapDiagnosticFormatter::formatDouble(0.0), QString("0.0"));
+        QCOMPARE(SnapDiagnosticFormatter::formatDouble(0.1), QString("0.1"));
     }
 };
 

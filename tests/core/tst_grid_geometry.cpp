@@ -85,17 +85,18 @@ private Q_SLOTS:
     void definitionJsonIsStrict_data() {
         QTest::addColumn<QString>("json");
         QTest::addColumn<QString>("messageNames");
-        QTest::newRow("missing verticalSplits") << R"({"id":"a","name":"A","horizontalSplits":[]})"
-                                                << "verticalSplits";
-        QTest::newRow("split not a number")
-            << R"({"id":"a","name":"A","horizontalSplits":[0.5,"x"],"verticalSplits":[]})"
-            << "horizontalSplits[1]";
-        QTest::newRow("null name")
-            << R"({"id":"a","name":null,"horizontalSplits":[],"verticalSplits":[]})"
-            << "name";
-        QTest::newRow("id not a string")
-            << R"({"id":3,"name":"A","horizontalSplits":[],"verticalSplits":[]})"
-            << "id";
+        const auto row = [](const char* tag, const char* json, const char* named) {
+            QTest::newRow(tag) << QString(json) << QString(named);
+        };
+        row("missing verticalSplits", R"({"id":"a","name":"A","horizontalSplits":[]})",
+            "verticalSplits");
+        row("split not a number",
+            R"({"id":"a","name":"A","horizontalSplits":[0.5,"x"],"verticalSplits":[]})",
+            "horizontalSplits[1]");
+        row("null name", R"({"id":"a","name":null,"horizontalSplits":[],"verticalSplits":[]})",
+            "name");
+        row("id not a string", R"({"id":3,"name":"A","horizontalSplits":[],"verticalSplits":[]})",
+            "id");
     }
     void definitionJsonIsStrict() {
         QFETCH(QString, json);

@@ -7,6 +7,8 @@ using namespace paneforge;
 
 namespace {
 
+const char* const kBackup = "\"paneforge-backup\"";
+const char* const kDate = "\"2025-03-14T09:26:53Z\"";
 const QDateTime kExported(QDate(2025, 3, 14), QTime(9, 26, 53, 750), QTimeZone::utc());
 
 QByteArray backupWith(const QByteArray& format, const QByteArray& version, const QByteArray& date) {
@@ -61,46 +63,27 @@ private Q_SLOTS:
     void threeOutcomesStayApart_data() {
         QTest::addColumn<QByteArray>("data");
         QTest::addColumn<Outcome>("outcome");
-        QTest::newRow("valid") << backupWith("\"paneforge-backup\"", "1",
-                                             "\"2025-03-14T09:26:53Z\"")
-                               << Outcome::Ok;
-        QTest::newRow("offset date")
-            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T10:26:53+01:00\"")
-            << Outcome::Ok;
-        QTest::newRow("capitalised format")
-            << backupWith("\"Paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::InvalidFormat;
-        QTest::newRow("version 2")
-            << backupWith("\"paneforge-backup\"", "2", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::UnsupportedVersion;
-        QTest::newRow("version 0")
-            << backupWith("\"paneforge-backup\"", "0", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::UnsupportedVersion;
-        QTest::newRow("fractional seconds")
-            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53.5Z\"")
-            << Outcome::Decoding;
-        QTest::newRow("impossible date")
-            << backupWith("\"paneforge-backup\"", "1", "\"2025-02-30T09:26:53Z\"")
-            << Outcome::Decoding;
-        QTest::newRow("version as text")
-            << backupWith("\"paneforge-backup\"", "\"1\"", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::Decoding;
-        QTest::newRow("a configuration file, not a backup")
-            << ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()) << Outcome::Decoding;
+        const auto row = [](const char* tag, const char* format, const char* version,
+                            const char* date, Outcome outcome) {
+            QTest::newRow(tag) << backupWith(format, version, date) << outcome;
+        };
+        row("valid", kBackup, "1", kDate, Outcome::Ok);
+        row("offset date", kBackup, "1", "\"2025-03-14T10:26:53+01:00\"", Outcome::Ok);
+        row("capitalised format", "\"Paneforge-backup\"", "1", kDate, Outcome::InvalidFormat);
+        row("version 2", kBackup, "2", kDate, Outcome::UnsupportedVersion);
+        row("version 0", kBackup, "0", kDate, Outcome::UnsupportedVersion);
+        row("fractional seconds", kBackup, "1", "\"2025-03-14T09:26:53.5Z\"", Outcome::Decoding);
+        row("impossible date", kBackup, "1", "\"2025-02-30T09:26:53Z\"", Outcome::Decoding);
+        row("version as text", kBackup, "\"1\"", kDate, Outcome::Decoding);
+        // A valid 64-bit integer is a version, however large; the double it rounds to is not.
+        row("version 2^63 - 1", kBackup, "9223372036854775807", kDate, Outcome::UnsupportedVersion);
+        row("version 2^63", kBackup, "9223372036854775808", kDate, Outcome::Decoding);
         QTest::newRow("truncated")
-            << backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"").left(200)
-            << Outcome::Decoding;
+            << backupWith(kBackup, "1", kDate).left(200) << Outcome::Decoding;
         QTest::newRow("not JSON") << QByteArray("\x89PNG\r\n\x1a\n") << Outcome::Decoding;
         QTest::newRow("too large")
             << QByteArray(SettingsBackupFormat::maxFileSizeBytes + 1, ' ') << Outcome::Decoding;
         QTest::newRow("hostile nesting") << QByteArray(200000, '{') << Outcome::Decoding;
-        // A valid 64-bit integer is a version, however large; the double it rounds to is not.
-        QTest::newRow("version 2^63 - 1")
-            << backupWith("\"paneforge-backup\"", "9223372036854775807", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::UnsupportedVersion;
-        QTest::newRow("version 2^63")
-            << backupWith("\"paneforge-backup\"", "9223372036854775808", "\"2025-03-14T09:26:53Z\"")
-            << Outcome::Decoding;
     }
     void threeOutcomesStayApart() {
         QFETCH(QByteArray, data);
@@ -114,14 +97,13 @@ private Q_SLOTS:
         QTest::newRow("a configuration file")
             << ConfigStore::encodeConfig(PaneforgeConfig::makeDefault())
             << "missing key at the top level: no value for key \"format\"";
-        QTest::newRow("nearly whole version")
-            << backupWith("\"paneforge-backup\"", "1.0000001", "\"2025-03-14T09:26:53Z\"")
-            << "formatVersion: 1.0000001 is not a whole number";
+        QTest::newRow("nearly whole version") << backupWith(kBackup, "1.0000001", kDate)
+                                              << "formatVersion: 1.0000001 is not a whole number";
         QTest::newRow("version beyond 64 bits")
-            << backupWith("\"paneforge-backup\"", "1e19", "\"2025-03-14T09:26:53Z\"")
+            << backupWith(kBackup, "1e19", kDate)
             << "formatVersion: 10000000000000000000 does not fit in a 64-bit integer";
         // A 16 MB backup of arrays nested 1,000 deep in an ignored key once took 1.3 GB to accept.
-        QByteArray deep = backupWith("\"paneforge-backup\"", "1", "\"2025-03-14T09:26:53Z\"");
+        QByteArray deep = backupWith(kBackup, "1", kDate);
         deep.insert(1, "\"ignored\":" + QByteArray(1000, '[') + QByteArray(1000, ']') + ",");
         QTest::newRow("deep nesting in an ignored key")
             << deep << "more than 32 levels of nested arrays and objects, at byte 42";
@@ -137,21 +119,34 @@ private Q_SLOTS:
         }
     }
 
-    void restoreErrorTexts() {
-        QCOMPARE(
-            SettingsBackupRestoreException::description(SettingsBackupRestoreError::InvalidFormat),
-            QStringLiteral("This file is not a Paneforge backup."));
-        QCOMPARE(SettingsBackupRestoreException::description(
-                     SettingsBackupRestoreError::UnsupportedVersion),
-                 QStringLiteral("This backup format is not supported."));
-    }
-
     void suggestedFileNameUsesTheLocalDate() {
         const QDateTime lateUtc(QDate(2025, 3, 14), QTime(23, 30), QTimeZone::utc());
         QCOMPARE(SettingsBackupFilename::suggested(lateUtc, QTimeZone::utc()),
                  QStringLiteral("Paneforge-backup-2025-03-14.json"));
         QCOMPARE(SettingsBackupFilename::suggested(lateUtc, QTimeZone("Europe/Berlin")),
                  QStringLiteral("Paneforge-backup-2025-03-15.json"));
+    }
+
+    void exportDateInTheUsersLocale_data() {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("English (US)") << "en_US"
+                                      << "Mar 14, 2025, 9:26 AM";
+        QTest::newRow("German") << "de_DE"
+                                << "14. März 2025, 09:26";
+        QTest::newRow("French") << "fr_FR"
+                                << "14 mars 2025, 09:26";
+        QTest::newRow("C, whose short time has seconds") << "C"
+                                                         << "14 Mar 2025, 09:26";
+    }
+
+    void exportDateInTheUsersLocale() {
+        QFETCH(QString, locale);
+        QFETCH(QString, expected);
+        const QDateTime local(QDate(2025, 3, 14), QTime(9, 26, 53));
+        QString text = SettingsBackupPreviewBuilder::mediumDateShortTime(local, QLocale(locale));
+        text.replace(QChar(0x202F), QLatin1Char(' ')); // newer locale data: a narrow space
+        QCOMPARE(text, expected);
     }
 
     void previewTexts() {

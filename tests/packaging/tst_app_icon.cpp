@@ -45,12 +45,6 @@ class AppIconTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void svgIsValid() {
-        QSvgRenderer renderer(QStringLiteral(PANEFORGE_ICON_SVG));
-        QVERIFY(renderer.isValid());
-        QCOMPARE(renderer.viewBoxF(), QRectF(0, 0, 22, 22));
-    }
-
     // The white glyph of the application icon covers the same pixels as the tray icon's shape.
     void glyphIsTheTrayIcon() {
         const QImage svg = renderSvg();

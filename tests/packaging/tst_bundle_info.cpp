@@ -31,35 +31,32 @@ private Q_SLOTS:
         QVERIFY2(!plist.contains("${"), "CMake would replace ${…} a second time");
     }
 
-    void identityAndVersion() {
-        const QVariantMap info = release::readInfoPlist(configuredPlist());
-        QCOMPARE(info.value("CFBundleIdentifier").toString(), PrivacyPermissionPolicy::bundleId);
-        QCOMPARE(info.value("CFBundleShortVersionString").toString(), QString(PANEFORGE_VERSION));
-        QCOMPARE(info.value("CFBundleVersion").toString(), QString(PANEFORGE_VERSION));
-        QCOMPARE(info.value("CFBundleExecutable").toString(), QString("Paneforge"));
-        QCOMPARE(info.value("CFBundlePackageType").toString(), QString("APPL"));
-        QCOMPARE(info.value("CFBundleIconFile").toString(), QString("Paneforge"));
-        QCOMPARE(info.value("LSMinimumSystemVersion").toString(),
-                 QString(PANEFORGE_MACOS_MINIMUM_SYSTEM_VERSION));
+    void values_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QVariant>("value");
+        const auto row = [](const char* key, const QVariant& value) {
+            QTest::newRow(key) << QString(key) << value;
+        };
+        row("CFBundleIdentifier", PrivacyPermissionPolicy::bundleId);
+        row("CFBundleShortVersionString", PANEFORGE_VERSION);
+        row("CFBundleVersion", PANEFORGE_VERSION);
+        row("CFBundleExecutable", "Paneforge");
+        row("CFBundlePackageType", "APPL");
+        row("CFBundleIconFile", "Paneforge");
+        row("LSMinimumSystemVersion", PANEFORGE_MACOS_MINIMUM_SYSTEM_VERSION);
+        row("LSUIElement", true); // an agent, without a Dock icon
+        row("NSHighResolutionCapable", true);
+    }
+    void values() {
+        QFETCH(QString, key);
+        QFETCH(QVariant, value);
+        QCOMPARE(release::readInfoPlist(configuredPlist()).value(key), value);
     }
 
-    void agentWithoutDockIcon() {
+    void updateFrameworkAndPurposeStrings() {
         const QVariantMap info = release::readInfoPlist(configuredPlist());
-        QCOMPARE(info.value("LSUIElement"), QVariant(true));
-        QCOMPARE(info.value("NSHighResolutionCapable"), QVariant(true));
-    }
-
-    void updateFramework() {
-        const QVariantMap info = release::readInfoPlist(configuredPlist());
-        const QUrl feed(info.value("SUFeedURL").toString());
-        QVERIFY(feed.isValid());
-        QCOMPARE(feed.scheme(), QString("https"));
-        QVERIFY(info.contains("SUPublicEDKey"));
+        QCOMPARE(QUrl(info.value("SUFeedURL").toString()).scheme(), QString("https"));
         QCOMPARE(info.value("SUPublicEDKey").typeId(), QMetaType::QString);
-    }
-
-    void purposeStrings() {
-        const QVariantMap info = release::readInfoPlist(configuredPlist());
         for (const char* key :
              {"NSAccessibilityUsageDescription", "NSInputMonitoringUsageDescription"}) {
             QVERIFY2(info.value(key).toString().startsWith("Paneforge "), key);

@@ -94,12 +94,6 @@ private Q_SLOTS:
         QVERIFY(identities[1].isDeveloperIdApplication());
     }
 
-    void readsOnlyTheValidSection() {
-        const auto identities = parseSigningIdentities(kFullListing);
-        QCOMPARE(identities.size(), std::size_t(1));
-        QCOMPARE(identities[0].hash, kDevelopment);
-    }
-
     void acceptsWindowsLineEndingsAndLowerCaseHashes() {
         QString listing = kDevelopmentOnly;
         listing.replace("\n", "\r\n").replace(kDevelopment, QString(40, QChar('a')));
@@ -115,59 +109,38 @@ private Q_SLOTS:
         QTest::addColumn<QString>("hash");
         QTest::addColumn<QString>("warning");
         QTest::addColumn<QString>("error");
-        QTest::newRow("developer id preferred") << kBothValid << "" << false << kDeveloperId << ""
-                                                << "";
-        QTest::newRow("developer id required and there")
-            << kBothValid << "" << true << kDeveloperId << ""
-            << "";
-        QTest::newRow("development identity for a local build")
-            << kDevelopmentOnly << "" << false << kDevelopment
-            << "is not a Developer ID Application identity"
-            << "";
-        QTest::newRow("development identity refused for a release")
-            << kDevelopmentOnly << "" << true << ""
-            << ""
-            << "no Developer ID Application identity, which notarization needs; there are: "
-               "“Apple Development: Jane Doe (AB12CD34EF)”";
-        QTest::newRow("revoked developer id skipped")
-            << kFullListing << "" << false << kDevelopment << "not a Developer ID"
-            << "";
-        QTest::newRow("no identity") << kNone << "" << false << ""
-                                     << ""
-                                     << "no valid code-signing identity";
-        QTest::newRow("two teams") << kTwoTeams << "" << false << ""
-                                   << ""
-                                   << "choose the team with --team TEAMID";
-        QTest::newRow("two teams, one chosen")
-            << kTwoTeams << "OTHER98765" << false << kOtherTeam << ""
-            << "";
-        QTest::newRow("team without identity")
-            << kTwoTeams << "NOSUCHTEAM" << false << ""
-            << ""
-            << "no valid identity of team NOSUCHTEAM; there are: “Developer ID Application: "
-               "Jane Doe (TEAM123456)”";
-        QTest::newRow("listed twice") << kTwice << "" << true << kDeveloperId << ""
-                                      << "";
-        QTest::newRow("truncated") << kTruncated << "" << false << ""
-                                   << ""
-                                   << "the listing says 2 valid identities but shows 1";
-        QTest::newRow("no count line") << kNoCountLine << "" << false << ""
-                                       << ""
-                                       << "ends without its “N valid identities found” line";
-        QTest::newRow("not a listing") << "security: command not found\n"
-                                       << "" << false << ""
-                                       << ""
-                                       << "this is not the output of “security";
-        QTest::newRow("empty") << ""
-                               << "" << false << ""
-                               << ""
-                               << "this is not the output";
-        QTest::newRow("matching section only")
-            << "  1) 2222222222222222222222222222222222222222 \"Developer ID Application: J "
-               "(T)\"\n     1 identities found\n"
-            << "" << false << ""
-            << ""
-            << "the listing has no valid identities";
+        const auto row = [](const char* tag, const QString& listing, const char* team, bool require,
+                            const QString& hash, const char* warning, const char* error) {
+            QTest::newRow(tag) << listing << QString(team) << require << hash << QString(warning)
+                               << QString(error);
+        };
+        row("developer id preferred", kBothValid, "", false, kDeveloperId, "", "");
+        row("developer id required and there", kBothValid, "", true, kDeveloperId, "", "");
+        row("development identity for a local build", kDevelopmentOnly, "", false, kDevelopment,
+            "is not a Developer ID Application identity", "");
+        row("development identity refused for a release", kDevelopmentOnly, "", true, "", "",
+            "no Developer ID Application identity, which notarization needs; there are: "
+            "“Apple Development: Jane Doe (AB12CD34EF)”");
+        row("revoked developer id skipped", kFullListing, "", false, kDevelopment,
+            "not a Developer ID", "");
+        row("no identity", kNone, "", false, "", "", "no valid code-signing identity");
+        row("two teams", kTwoTeams, "", false, "", "", "choose the team with --team TEAMID");
+        row("two teams, one chosen", kTwoTeams, "OTHER98765", false, kOtherTeam, "", "");
+        row("team without identity", kTwoTeams, "NOSUCHTEAM", false, "", "",
+            "no valid identity of team NOSUCHTEAM; there are: “Developer ID Application: "
+            "Jane Doe (TEAM123456)”");
+        row("listed twice", kTwice, "", true, kDeveloperId, "", "");
+        row("truncated", kTruncated, "", false, "", "",
+            "the listing says 2 valid identities but shows 1");
+        row("no count line", kNoCountLine, "", false, "", "",
+            "ends without its “N valid identities found” line");
+        row("not a listing", "security: command not found\n", "", false, "", "",
+            "this is not the output of “security");
+        row("empty", "", "", false, "", "", "this is not the output");
+        row("matching section only",
+            "  1) 2222222222222222222222222222222222222222 \"Developer ID Application: J (T)\"\n"
+            "     1 identities found\n",
+            "", false, "", "", "the listing has no valid identities");
     }
 
     void choice() {

@@ -7,6 +7,7 @@
 
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "layout_switch_fakes.h"
 #include "snap_fakes.h"
 
 #include <map>
@@ -211,6 +212,35 @@ public:
     }
 };
 
+// The backup windows, answering as scripted: the chosen files and whether Restore is pressed.
+class Backups final : public BackupViews {
+public:
+    Journal journal;
+    std::optional<QString> destination;
+    std::optional<QString> source;
+    bool confirm = false;
+    QString suggestedName;
+    std::optional<SettingsBackupPreview> shownPreview;
+
+    std::optional<QString> chooseBackupDestination(const QString& suggested) override {
+        journal(QStringLiteral("backup.choose"));
+        suggestedName = suggested;
+        return destination;
+    }
+    std::optional<QString> chooseBackupToRestore() override {
+        journal(QStringLiteral("restore.choose"));
+        return source;
+    }
+    bool confirmRestore(const SettingsBackupPreview& preview) override {
+        journal(QStringLiteral("restore.preview"));
+        shownPreview = preview;
+        return confirm;
+    }
+    void showWarning(const QString& title, const QString& reason) override {
+        journal(QStringLiteral("warning %1: %2").arg(title, reason));
+    }
+};
+
 // The quick start window: its page and visibility; closing it tells the controller, once.
 class QuickStartWindow final : public QuickStartView {
 public:
@@ -265,6 +295,8 @@ public:
     Overlays overlays;
     NoKeyMonitor keyMonitor;
     Alerts alertBoxes;
+    LayoutSwitchScreen layoutSwitch;
+    Backups backups;
     Journal journal;
     int statusItemsMade = 0;
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
@@ -290,8 +322,13 @@ public:
         alertBoxes.journal = journal;
         return alertBoxes;
     }
+    BackupViews& backupViews() override {
+        backups.journal = journal;
+        return backups;
+    }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
     std::optional<QString> keyWindowTitle() override { return keyWindow; }
+    LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitch; }
     QuickStartWindow* quickStart = nullptr; // owned by the caller
     Coach* coach = nullptr;                 // owned by the caller
     std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) override {

@@ -94,9 +94,11 @@ struct Window final : WindowElement {
     bool standard = true;
 };
 
-// Windows stacked front to back; setFrame moves them at once and is recorded.
+// Windows stacked front to back, the first focused unless `focus` is off; setFrame moves them at
+// once and is recorded.
 class Windows final : public WindowService {
 public:
+    bool focus = true;
     struct SetFrameCall {
         int windowId;
         DesktopRect frame;
@@ -122,7 +124,7 @@ public:
         }
         return nullptr;
     }
-    WindowRef focusedWindow() override { return stack.empty() ? nullptr : stack.front(); }
+    WindowRef focusedWindow() override { return focus && !stack.empty() ? stack.front() : nullptr; }
     std::optional<DesktopRect> frame(const WindowRef& window) override {
         return window ? std::optional(as(window).frame) : std::nullopt;
     }

@@ -52,15 +52,20 @@ X11TestSession::~X11TestSession() {
 
 QProcessEnvironment X11TestSession::environment() const {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display_);
+    env.insert("DISPLAY", display_);
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
     return env;
 }
 
-QProcess* X11TestSession::launch(const QString& program, const QStringList& arguments) {
+QProcess* X11TestSession::launch(const QString& program, const QStringList& arguments,
+                                 const QProcessEnvironment& extra, bool forwardErrors) {
     auto process = std::make_unique<QProcess>();
-    process->setProcessEnvironment(environment());
-    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QProcessEnvironment env = environment();
+    env.insert(extra);
+    process->setProcessEnvironment(env);
+    if (forwardErrors) {
+        process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    }
     process->setStandardOutputFile(QProcess::nullDevice());
     // The server, window manager and clients must not outlive a test that dies without running
     // its destructors (a crash, a sanitizer report): they would hold the test's output open.
@@ -93,11 +98,10 @@ bool X11TestSession::start(QString* error) {
             continue;
         }
         display_ = QStringLiteral(":%1").arg(number);
-        QProcess* server = launch(
-            QStringLiteral("Xvfb"),
-            {display_, QStringLiteral("-screen"), QStringLiteral("0"),
-             QStringLiteral("%1x%2x24").arg(options_.width).arg(options_.height),
-             QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset")});
+        QProcess* server =
+            launch("Xvfb", {display_, "-screen", "0",
+                            QStringLiteral("%1x%2x24").arg(options_.width).arg(options_.height),
+                            "-nolisten", "tcp", "-noreset"});
         if (!server->waitForStarted(5000)) {
             *error = QStringLiteral("Xvfb did not start: %1").arg(server->errorString());
             return false;
@@ -121,49 +125,44 @@ bool X11TestSession::start(QString* error) {
         }
     }
     if (!connection_) {
-        *error = QStringLiteral("no free display for Xvfb");
+        *error = "no free display for Xvfb";
         return false;
     }
     if (options_.twoMonitors) {
         const int half = options_.width / 2;
         const QString size = QStringLiteral("%1/254x%2/286").arg(half).arg(options_.height);
-        if (!run(QStringLiteral("xrandr"),
-                 {QStringLiteral("--setmonitor"), QStringLiteral("LEFT"),
-                  size + QStringLiteral("+0+0"), QStringLiteral("screen")}) ||
-            !run(QStringLiteral("xrandr"),
-                 {QStringLiteral("--setmonitor"), QStringLiteral("RIGHT"),
-                  size + QStringLiteral("+%1+0").arg(half), QStringLiteral("none")})) {
-            *error = QStringLiteral("xrandr could not split the screen into two monitors");
+        if (!run("xrandr", {"--setmonitor", "LEFT", size + "+0+0", "screen"}) ||
+            !run("xrandr",
+                 {"--setmonitor", "RIGHT", size + QStringLiteral("+%1+0").arg(half), "none"})) {
+            *error = "xrandr could not split the screen into two monitors";
             return false;
         }
     }
     if (options_.windowManager) {
-        QProcess* wm = launch(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+        QProcess* wm = launch("openbox", {"--sm-disable"});
         // openbox announces itself before it manages windows; its work area comes after.
         if (!wm->waitForStarted(5000) || !waitUntil([&] {
                 return wm->state() == QProcess::Running &&
                        rootCardinals("_NET_WORKAREA").size() >= 4;
             })) {
-            *error = QStringLiteral("openbox did not publish a work area");
+            *error = "openbox did not publish a work area";
             return false;
         }
     }
     if (options_.compositor) {
-        QProcess* compositor = launch(QStringLiteral("xcompmgr"), {});
+        QProcess* compositor = launch("xcompmgr", {});
         if (!compositor->waitForStarted(5000) ||
             !waitUntil([&] { return selectionOwned("_NET_WM_CM_S0"); })) {
-            *error = QStringLiteral("xcompmgr did not take the compositing selection");
+            *error = "xcompmgr did not take the compositing selection";
             return false;
         }
     }
     if (options_.trayHost) {
-        QProcess* tray = launch(QStringLiteral("trayer"),
-                                {QStringLiteral("--edge"), QStringLiteral("bottom"),
-                                 QStringLiteral("--align"), QStringLiteral("right"),
-                                 QStringLiteral("--widthtype"), QStringLiteral("request")});
+        QProcess* tray =
+            launch("trayer", {"--edge", "bottom", "--align", "right", "--widthtype", "request"});
         if (!tray->waitForStarted(5000) ||
             !waitUntil([&] { return selectionOwned("_NET_SYSTEM_TRAY_S0"); })) {
-            *error = QStringLiteral("trayer did not take the system tray selection");
+            *error = "trayer did not take the system tray selection";
             return false;
         }
     }
@@ -184,16 +183,7 @@ bool X11TestSession::selectionOwned(const char* selection) const {
 
 QProcess* X11TestSession::startProcess(const QString& program, const QStringList& arguments,
                                        const QProcessEnvironment& extra) {
-    auto process = std::make_unique<QProcess>();
-    QProcessEnvironment env = environment();
-    env.insert(extra);
-    process->setProcessEnvironment(env);
-    process->setStandardOutputFile(QProcess::nullDevice());
-    process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
-    process->start(program, arguments);
-    QProcess* raw = process.get();
-    processes_.push_back(std::move(process));
-    return raw;
+    return launch(program, arguments, extra, false);
 }
 
 std::vector<std::uint32_t> X11TestSession::rootCardinals(const char* property) const {
@@ -271,8 +261,8 @@ QString X11AgentRun::autostartDirectory() const {
 
 bool X11AgentRun::start(const QString& program, QString* output) {
     QProcessEnvironment env;
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));
-    env.insert(QStringLiteral("XDG_STATE_HOME"), home_.filePath(QStringLiteral("state")));
+    env.insert("XDG_CONFIG_HOME", home_.filePath(QStringLiteral("config")));
+    env.insert("XDG_STATE_HOME", home_.filePath(QStringLiteral("state")));
     process_ = session_.startProcess(program, {}, env);
     if (!process_->waitForStarted(5000)) {
         return false;

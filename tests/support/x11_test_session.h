@@ -53,7 +53,8 @@ public:
                           std::chrono::milliseconds timeout = std::chrono::seconds(10));
 
 private:
-    QProcess* launch(const QString& program, const QStringList& arguments);
+    QProcess* launch(const QString& program, const QStringList& arguments,
+                     const QProcessEnvironment& extra = {}, bool forwardErrors = true);
 
     Options options_;
     QString display_;

@@ -10,6 +10,9 @@
 #include "x11_test_session.h"
 
 #include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 #include <cmath>
 
@@ -19,6 +22,8 @@ namespace {
 
 // Key codes are macOS virtual key codes: M is 46, D is 2.
 const HotkeyDefinition kMoveHotkey{46, modifier_bits::kControl | modifier_bits::kOption};
+// L is 37: the layout selector.
+const HotkeyDefinition kSelectorHotkey{37, modifier_bits::kControl | modifier_bits::kOption};
 // Super+D: openbox's own "show the desktop".
 const HotkeyDefinition kTakenHotkey{2, modifier_bits::kCommand};
 
@@ -42,8 +47,11 @@ private Q_SLOTS:
     void initTestCase();
     void hotkeysRegisterExceptTheWindowManagers();
     void moveHotkeyMovesTheFocusedWindow();
+    void restoredBackupReachesTheRunningAgent();
+    void restoreFromTheMenuShowsThePreviewFirst();
     void trayMenuRowsReachTheirFeatures();
     void aboutWindowTakesTheKeyboard();
+    void layoutSelectorTakesTheKeyboardAndPicks();
     void cleanupTestCase();
 
 private:
@@ -68,12 +76,38 @@ private:
     }
     // Clicks the tray icon and walks the menu with `keys` ("Down Right Return").
     bool chooseFromTrayMenu(const QString& keys);
+    // The command line with the agent's configuration folder; its exit code, or -1.
+    int paneforge(const QStringList& arguments) {
+        QProcess cli;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_CONFIG_HOME", agent_.configHome());
+        cli.setProcessEnvironment(env);
+        cli.start(QStringLiteral(PANEFORGE_AGENT), arguments);
+        return cli.waitForFinished(10000) && cli.exitStatus() == QProcess::NormalExit
+                   ? cli.exitCode()
+                   : -1;
+    }
+    QByteArray configBytes() {
+        QFile file(ConfigStore(LoggerFactory::makeLogger("Test"), [this] {
+                       return agent_.configHome();
+                   }).getConfigPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     std::optional<DesktopRect> frame(std::uint32_t window) {
         return windows_.frame(X11WindowService::wrap(window));
     }
 
+    ConfigStore store() {
+        return ConfigStore(LoggerFactory::makeLogger("Test"),
+                           [this] { return agent_.configHome(); });
+    }
+    QString activeLayout() {
+        return store().loadConfig().displays().at(leftDisplay_).activeLayoutId();
+    }
+
     X11TestSession& session_;
     X11AgentRun agent_;
+    QString leftDisplay_;
     X11Connection connection_;
     X11DisplayServices displays_{connection_};
     ManualScheduler scheduler_;
@@ -107,12 +141,22 @@ void AgentShellTest::initTestCase() {
     QVERIFY(connection_.isValid());
     QVERIFY(
         X11TestSession::waitUntil([this] { return displays_.getActiveDisplays().size() == 2; }));
-    ConfigStore(LoggerFactory::makeLogger("Test"), [this] { return agent_.configHome(); })
-        .saveConfig(PaneforgeConfig::makeDefault()
-                        .withMoveToNextDisplayHotkey(kMoveHotkey)
-                        .withOpenPreferencesHotkey(kTakenHotkey)
-                        .withLaunchAtLogin(true)
-                        .withHasCompletedQuickStart(true));
+    // Three layouts on the left monitor, the first one active.
+    leftDisplay_ = displays_.getIdentifier(*displays_.getDisplayId({10, 10})).stableId();
+    std::vector<GridDefinition> layouts;
+    for (const char* id : {"halves", "thirds", "quarters"}) {
+        layouts.emplace_back(id, QString(id).toUpper(), std::vector<double>{0.5},
+                             std::vector<double>{});
+    }
+    DisplayLayoutsMap displays;
+    displays.insert_or_assign(leftDisplay_, DisplayLayouts("halves", layouts));
+    store().saveConfig(PaneforgeConfig::makeDefault()
+                           .copying(displays)
+                           .withOpenLayoutSelectorHotkey(kSelectorHotkey)
+                           .withMoveToNextDisplayHotkey(kMoveHotkey)
+                           .withOpenPreferencesHotkey(kTakenHotkey)
+                           .withLaunchAtLogin(true)
+                           .withHasCompletedQuickStart(true));
     QString output;
     QVERIFY2(agent_.start(QStringLiteral(PANEFORGE_AGENT), &output), qPrintable(output));
     QVERIFY2(output.contains("icon shown"), qPrintable(output));
@@ -165,6 +209,64 @@ void AgentShellTest::moveHotkeyMovesTheFocusedWindow() {
     }));
 }
 
+void AgentShellTest::restoredBackupReachesTheRunningAgent() {
+    const QTemporaryDir folder;
+    const QString backup = folder.filePath("backup.json");
+    const QByteArray original = configBytes();
+    QCOMPARE(paneforge({"backup", "export", backup}), 0);
+
+    // Another program changes the move hot key to Ctrl+Alt+N: the agent follows the file.
+    const QString newKey = "HotkeyManager.register id=4 keyCode=45 ";
+    int before = agent_.logCount(newKey);
+    const ConfigStore store(LoggerFactory::makeLogger("Test"),
+                            [this] { return agent_.configHome(); });
+    store.saveConfig(store.loadConfig().withMoveToNextDisplayHotkey(
+        HotkeyDefinition{45, kMoveHotkey.modifiers}));
+    QVERIFY2(agent_.waitForLog(newKey, before), qPrintable(agent_.logText()));
+
+    // The restore brings back the file byte for byte, and the agent the old hot key, which works.
+    const QString oldKey = "HotkeyManager.register id=4 keyCode=46 ";
+    before = agent_.logCount(oldKey);
+    QCOMPARE(paneforge({"backup", "restore", backup, "--yes"}), 0);
+    QCOMPARE(configBytes(), original);
+    QVERIFY2(agent_.waitForLog(oldKey, before), qPrintable(agent_.logText()));
+    QVERIFY(activate(xterm_));
+    const auto start = frame(xterm_);
+    QVERIFY(xdotool({"key", "ctrl+alt+m"}));
+    QVERIFY(X11TestSession::waitUntil([&] {
+        const auto now = frame(xterm_);
+        return now && start && std::abs(now->minX() - start->minX()) > 500;
+    }));
+}
+
+void AgentShellTest::restoreFromTheMenuShowsThePreviewFirst() {
+    const QTemporaryDir folder;
+    const QString backup = folder.filePath("backup.json");
+    const QByteArray original = configBytes();
+    QCOMPARE(paneforge({"backup", "export", backup}), 0);
+    const ConfigStore store(LoggerFactory::makeLogger("Test"),
+                            [this] { return agent_.configHome(); });
+    store.saveConfig(store.loadConfig().withCellMarginPoints(30));
+    const QByteArray changed = configBytes();
+
+    // "Restore Settings…", sixth from the bottom: the file dialog has the keyboard, so the file's
+    // name can be typed; then the preview has it, and Return restores.
+    const auto activeWindowNamed = [&](const QString& title) {
+        return X11TestSession::waitUntil([&] {
+            const QStringList windows = visibleAgentWindows(title);
+            return windows.size() == 1 && activeWindow() == windows.front().toUInt();
+        });
+    };
+    QVERIFY(activate(xterm_));
+    QVERIFY(chooseFromTrayMenu("Up Up Up Up Up Up Return"));
+    QVERIFY2(activeWindowNamed("^Restore Settings$"), qPrintable(agent_.logText()));
+    QVERIFY(xdotool({"type", backup}) && xdotool({"key", "Return"}));
+    QVERIFY2(activeWindowNamed("^Restore Settings\\?$"), qPrintable(agent_.logText()));
+    QCOMPARE(configBytes(), changed);
+    QVERIFY(xdotool({"key", "Return"}));
+    QVERIFY(X11TestSession::waitUntil([&] { return configBytes() == original; }));
+}
+
 void AgentShellTest::trayMenuRowsReachTheirFeatures() {
     // Rows counted from the top: the fifth, "Zone Editor…", opens its submenu of displays.
     const int before = agent_.logCount("StandInZoneEditorController.showEditor ");
@@ -211,6 +313,30 @@ void AgentShellTest::aboutWindowTakesTheKeyboard() {
     QVERIFY(xdotool({"key", "Escape"}));
     QVERIFY(X11TestSession::waitUntil(
         [&] { return visibleAgentWindows("^About Paneforge$").isEmpty(); }));
+}
+
+void AgentShellTest::layoutSelectorTakesTheKeyboardAndPicks() {
+    QVERIFY(xdotool({"mousemove", "400", "400"}));
+    // Return picks the card the arrow moved to; Escape closes without a change.
+    for (const auto& [keys, expected] :
+         {std::pair{"Right Return", "thirds"}, std::pair{"Escape", "thirds"}}) {
+        QVERIFY(activate(xterm_));
+        QVERIFY(xdotool({"key", "ctrl+alt+l"}));
+        QStringList selector;
+        QVERIFY2(X11TestSession::waitUntil([&] {
+                     selector = visibleAgentWindows("^Switch Layout$");
+                     return selector.size() == 1 && activeWindow() == selector.front().toUInt();
+                 }),
+                 qPrintable(QString("active window %1, selector %2")
+                                .arg(activeWindow())
+                                .arg(selector.join(' '))));
+        QVERIFY(xdotool(QStringList{"key"} + QString(keys).split(' ')));
+        QVERIFY(X11TestSession::waitUntil(
+            [&] { return visibleAgentWindows("^Switch Layout$").isEmpty(); }));
+        QCOMPARE(activeLayout(), QString(expected));
+    }
+    QVERIFY(agent_.logText().contains("LayoutSelectorController.pick display=" + leftDisplay_ +
+                                      " id=thirds"));
 }
 
 void AgentShellTest::cleanupTestCase() {

@@ -1,7 +1,6 @@
 #include "app/input/event_tap_manager.h"
 #include "app/runtime/notification_center.h"
 #include "core/input/hotkey_formatter.h"
-#include "input_fakes.h"
 #include "manual_scheduler.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_space.h"

@@ -1,5 +1,3 @@
-#include "app/snapping/move_window_controller.h"
-#include "core/policies/display_cycle.h"
 #include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_window_service.h"
@@ -8,14 +6,12 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTest>
-#include <cmath>
 #include <xcb/randr.h>
 
 using namespace paneforge;
 
-// Two monitors side by side (the Xvfb screen split with xrandr): moving a window to the next
-// display, dock struts that shrink only the monitor they touch, and visible frames that follow
-// docks and monitors as they change.
+// Two monitors side by side (the Xvfb screen split with xrandr): dock struts that shrink only the
+// monitor they touch, and visible frames that follow docks and monitors as they change.
 class X11TwoMonitorsTest : public QObject {
     Q_OBJECT
 
@@ -43,38 +39,6 @@ private Q_SLOTS:
         const auto summaries = displays_.getDisplaySummaries();
         QCOMPARE(summaries.size(), size_t(2));
         QVERIFY(summaries[0].startsWith("v0-p") && summaries[0].endsWith("-sno-serial @ 960x1080"));
-    }
-
-    void movesTheFocusedWindowToTheNextDisplay() {
-        QString error;
-        const auto logo = session_.startClient("xlogo", {"-geometry", "400x300+100+200"}, &error);
-        QVERIFY2(logo, qPrintable(error));
-        QVERIFY(session_.run("xdotool", {"windowactivate", "--sync", QString::number(*logo)}));
-        const auto window = X11WindowService::wrap(*logo);
-        QVERIFY(X11TestSession::waitUntil(
-            [&] { return X11WindowService::clientOf(windows_.focusedWindow()) == *logo; }));
-        const DesktopRect before = *windows_.frame(window);
-        const DesktopRect expected = WindowDisplayMapper::mappedFrame(
-            before, *displays_.getVisibleFrame(left_), *displays_.getVisibleFrame(right_));
-        QVERIFY(expected.minX() >= 960);
-
-        MoveWindowController(windows_, displays_, displays_).moveFrontmostWindowToNextDisplay();
-        std::optional<DesktopRect> after;
-        QVERIFY2(X11TestSession::waitUntil([&] {
-                     after = windows_.frame(window);
-                     return after && std::abs(after->x() - expected.x()) <= 1 &&
-                            std::abs(after->maxY() - expected.maxY()) <= 1 &&
-                            std::abs(after->width() - expected.width()) <= 1 &&
-                            std::abs(after->height() - expected.height()) <= 1;
-                 }),
-                 qPrintable(windows_.describeWindow(window)));
-
-        // And on around: the next display after the right one is the left one again.
-        MoveWindowController(windows_, displays_, displays_).moveFrontmostWindowToNextDisplay();
-        QVERIFY(X11TestSession::waitUntil([&] {
-            const auto f = windows_.frame(window);
-            return f && f->maxX() <= 960;
-        }));
     }
 
     void aDockStrutShrinksOnlyTheMonitorItTouches() {

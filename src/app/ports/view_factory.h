@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/ports/backup_views.h"
 #include "app/ports/key_down_monitor_api.h"
+#include "app/ports/layout_switch_views.h"
 #include "app/ports/onboarding_views.h"
 #include "app/ports/shell_windows.h"
 #include "app/ports/snap_overlay.h"
@@ -24,6 +26,9 @@ public:
     virtual std::unique_ptr<ShellWindow> makeAboutWindow() = 0;
     virtual std::unique_ptr<ShellWindow> makePreferencesWindow() = 0;
     virtual AlertPresenter& alerts() = 0;
+    // The heads-up display of layout cycling and the layout selector.
+    virtual LayoutSwitchViews& layoutSwitchViews() = 0;
+    virtual BackupViews& backupViews() = 0;
     // Key presses in Paneforge's own windows, for recording hot keys.
     virtual KeyDownMonitorApi& keyDownMonitor() = 0;
     // The title of Paneforge's window that has the keyboard, if one has.

@@ -11,12 +11,16 @@ ApplicationController::ApplicationController(ApplicationServices services)
     : services_(std::move(services))
     , systemLog_(LoggerFactory::makeLogger(QStringLiteral("ApplicationController")))
     , zoneEditor_(services_.fileLog)
-    , layoutSelector_(services_.fileLog)
-    , backupSettings_(services_.fileLog)
-    , restoreSettings_(services_.fileLog)
+    , layoutSelector_(layoutSwitchServices())
+    , backupSettings_(
+          services_.configStore, services_.views.backupViews(), QStringLiteral(PANEFORGE_VERSION),
+          [] { return QDateTime::currentDateTime(); }, services_.fileLog)
+    , restoreSettings_(services_.configStore, services_.views.backupViews(),
+                       services_.notifications, services_.fileLog)
     , moveWindow_(services_.platform.windows(), services_.platform.displayFrames(),
                   services_.platform.displays())
-    , layoutCycle_(services_.fileLog)
+    , layoutCycleHUD_(services_.views.layoutSwitchViews(), services_.scheduler)
+    , layoutCycle_(layoutSwitchServices(), layoutCycleHUD_)
     , quickStart_(
           [this](QuickStartActions actions) {
               return services_.views.makeQuickStartWindow(std::move(actions));
@@ -54,6 +58,12 @@ void ApplicationController::log(const QString& line) const {
     }
 }
 
+LayoutSwitchServices ApplicationController::layoutSwitchServices() {
+    return {services_.configStore, services_.platform.displays(),
+            services_.platform.displayFrames(), services_.views.layoutSwitchViews(),
+            services_.fileLog};
+}
+
 PaneforgeConfig ApplicationController::loadConfigOrDefault() const {
     try {
         return services_.configStore.loadConfig();
@@ -70,9 +80,21 @@ void ApplicationController::start() {
     applyStatusItemSetting();
     registerAllHotkeys();
     observeHotkeyChanges();
+    watchConfigFile();
     applyLaunchAtLogin();
     startSnapAndPermissions();
     services_.platform.updater().start();
+}
+
+// A hand edit or a restore from the command line reaches the running agent as a change
+// notification, like a change made in its own windows.
+void ApplicationController::watchConfigFile() {
+    try {
+        configFileWatcher_ = std::make_unique<ConfigFileWatcher>(
+            services_.configStore.getConfigPath(), services_.scheduler, services_.notifications);
+    } catch (const ConfigStoreError& error) {
+        log(QStringLiteral("ApplicationController.watchConfigFile failed: ") + error.message());
+    }
 }
 
 // Hot keys

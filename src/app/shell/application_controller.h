@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/backup/settings_backup_controllers.h"
 #include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "app/input/hotkey_slots.h"
@@ -7,11 +8,13 @@
 #include "app/onboarding/quick_start_controller.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "app/runtime/config_file_watcher.h"
 #include "app/runtime/notification_center.h"
 #include "app/runtime/process_command_runner.h"
 #include "app/shell/stand_in_controllers.h"
 #include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
+#include "app/switching/layout_selector_controller.h"
 #include "core/config/config_store.h"
 #include "core/diagnostics/logger_factory.h"
 
@@ -74,8 +77,10 @@ private:
     void applyLaunchAtLogin();
 
     void startSnapAndPermissions();
+    void watchConfigFile();
     void markQuickStartCompleted();
     PaneforgeConfig loadConfigOrDefault() const;
+    LayoutSwitchServices layoutSwitchServices();
     void log(const QString& line) const;
     // Wraps `action` so that it runs only while this controller exists.
     std::function<void()> guarded(std::function<void()> action) const;
@@ -83,11 +88,12 @@ private:
     ApplicationServices services_;
     Logger systemLog_;
     StandInZoneEditorController zoneEditor_;
-    StandInLayoutSelectorController layoutSelector_;
-    StandInBackupSettingsController backupSettings_;
-    StandInRestoreSettingsController restoreSettings_;
+    LayoutSelectorController layoutSelector_;
+    BackupSettingsController backupSettings_;
+    RestoreSettingsController restoreSettings_;
     MoveWindowController moveWindow_;
-    StandInLayoutCycleController layoutCycle_;
+    LayoutCycleHUDController layoutCycleHUD_;
+    LayoutCycleController layoutCycle_;
     QuickStartController quickStart_;
     std::unique_ptr<ShellWindow> preferencesWindow_;
     std::unique_ptr<ShellWindow> aboutWindow_;
@@ -100,6 +106,7 @@ private:
     // None until launch at login was first applied.
     std::optional<bool> lastAppliedLaunchAtLogin_;
     std::vector<NotificationCenter::ObservationToken> observations_;
+    std::unique_ptr<ConfigFileWatcher> configFileWatcher_;
     std::shared_ptr<ApplicationController*> self_;
 };
 

@@ -37,35 +37,6 @@ public:
     }
 };
 
-class StandInLayoutSelectorController final : public StandInController {
-public:
-    explicit StandInLayoutSelectorController(LogSink log)
-        : StandInController(QStringLiteral("StandInLayoutSelectorController"), std::move(log)) {}
-    void showForPointerDisplay() { called(QStringLiteral("showForPointerDisplay")); }
-};
-
-class StandInLayoutCycleController final : public StandInController {
-public:
-    explicit StandInLayoutCycleController(LogSink log)
-        : StandInController(QStringLiteral("StandInLayoutCycleController"), std::move(log)) {}
-    void cycleNext() { called(QStringLiteral("cycleNext")); }
-    void cyclePrevious() { called(QStringLiteral("cyclePrevious")); }
-};
-
-class StandInBackupSettingsController final : public StandInController {
-public:
-    explicit StandInBackupSettingsController(LogSink log)
-        : StandInController(QStringLiteral("StandInBackupSettingsController"), std::move(log)) {}
-    void runBackup() { called(QStringLiteral("runBackup")); }
-};
-
-class StandInRestoreSettingsController final : public StandInController {
-public:
-    explicit StandInRestoreSettingsController(LogSink log)
-        : StandInController(QStringLiteral("StandInRestoreSettingsController"), std::move(log)) {}
-    void runRestore() { called(QStringLiteral("runRestore")); }
-};
-
 // The preferences window until it exists: never visible.
 class StandInPreferencesWindow final : public StandInController, public ShellWindow {
 public:

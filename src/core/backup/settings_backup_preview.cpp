@@ -1,6 +1,7 @@
 #include "core/backup/settings_backup_preview.h"
 
 #include <QLocale>
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace paneforge {
@@ -31,12 +32,25 @@ QStringList SettingsBackupPreviewGroup::layoutNames() const {
 }
 
 SettingsBackupPreviewBuilder::DateFormatter SettingsBackupPreviewBuilder::defaultDateFormatter() {
-    return [](const QDateTime& date) {
-        const QDateTime local = date.toLocalTime();
-        const QLocale locale;
-        return locale.toString(local.date(), QStringLiteral("MMM d, yyyy")) +
-               QStringLiteral(" at ") + locale.toString(local.time(), QLocale::ShortFormat);
-    };
+    return [](const QDateTime& date) { return mediumDateShortTime(date.toLocalTime(), QLocale()); };
+}
+
+QString SettingsBackupPreviewBuilder::mediumDateShortTime(const QDateTime& localTime,
+                                                          const QLocale& locale) {
+    // Qt offers long and short formats only; the medium one is the long one without the weekday
+    // (and whatever separates it from the rest) and with abbreviated month names.
+    QString dateFormat = locale.dateFormat(QLocale::LongFormat);
+    static const QRegularExpression weekdayFirst(QStringLiteral("^dddd[^dMy']*"));
+    static const QRegularExpression weekdayLast(QStringLiteral("[^dMy']*dddd$"));
+    static const QRegularExpression weekdayInside(QStringLiteral("dddd\\s*"));
+    dateFormat.remove(weekdayFirst).remove(weekdayLast).remove(weekdayInside);
+    dateFormat.replace(QStringLiteral("MMMM"), QStringLiteral("MMM"));
+    // Some locales' short time carries seconds (the C locale's "HH:mm:ss").
+    QString timeFormat = locale.timeFormat(QLocale::ShortFormat);
+    static const QRegularExpression seconds(QStringLiteral("[:.]ss"));
+    timeFormat.remove(seconds);
+    return locale.toString(localTime.date(), dateFormat.trimmed()) + QStringLiteral(", ") +
+           locale.toString(localTime.time(), timeFormat);
 }
 
 SettingsBackupPreview

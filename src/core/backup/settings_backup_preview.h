@@ -3,6 +3,7 @@
 #include "core/backup/settings_backup.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -51,6 +52,10 @@ using DateFormatter = std::function<QString(const QDateTime&)>;
 
 // Medium date and short time in the user's locale and time zone.
 DateFormatter defaultDateFormatter();
+// A medium date and a short time in `locale`'s order and words, as a person there writes them:
+// the locale's long date without the weekday and with short month names ("Mar 14, 2025",
+// "14. März 2025"), then its short time without seconds.
+QString mediumDateShortTime(const QDateTime& localTime, const QLocale& locale);
 
 SettingsBackupPreview preview(const SettingsBackupDocument& document);
 // "Default" alone when the backup has no per-display layouts, else "Display 1", "Display 2", ...
