@@ -21,11 +21,20 @@ ApplicationController::ApplicationController(ApplicationServices services)
     , layoutCycleHUD_(services_.views.layoutSwitchViews(), services_.scheduler)
     , layoutCycle_(layoutSwitchServices(), layoutCycleHUD_)
     , quickStart_(services_.fileLog)
-    , preferencesWindow_(services_.views.makePreferencesWindow())
+    , preferences_(services_.configStore, services_.notifications)
     , aboutWindow_(services_.views.makeAboutWindow())
     , hotkeyManager_(services_.platform.hotkeys(), services_.scheduler, services_.fileLog)
     , eventTapManager_(services_.platform.eventTaps(), services_.scheduler, services_.notifications)
-    , self_(std::make_shared<ApplicationController*>(this)) {}
+    , self_(std::make_shared<ApplicationController*>(this)) {
+    preferencesWindow_ = std::make_unique<PreferencesWindowController>(PreferencesWindowServices{
+        preferences_, services_.views, services_.platform.keyboardLayout(),
+        services_.platform.keyTranslator(), services_.platform.loginItems(), services_.fileLog,
+        [weak = std::weak_ptr<ApplicationController*>(self_)](bool recording) {
+            if (const auto self = weak.lock()) {
+                (*self)->pauseHotkeysWhileRecording(recording);
+            }
+        }});
+}
 
 ApplicationController::~ApplicationController() = default;
 
@@ -92,6 +101,9 @@ void ApplicationController::registerAllHotkeys() {
 }
 
 void ApplicationController::registerHotkey(const HotkeySlot& slot) {
+    if (hotkeysPaused_) {
+        return; // registered again from the file when the recording ends
+    }
     // Read afresh every time: the file is the only truth, never a notification's payload.
     const auto hotkey = slot.read(loadConfigOrDefault());
     if (!hotkey) {
@@ -208,6 +220,20 @@ StatusMenuActions ApplicationController::statusMenuActions() {
 
 void ApplicationController::showPreferencesWindow() {
     preferencesWindow_->show();
+}
+
+void ApplicationController::pauseHotkeysWhileRecording(bool recording) {
+    if (hotkeysPaused_ == recording) {
+        return;
+    }
+    hotkeysPaused_ = recording;
+    log(QStringLiteral("ApplicationController.pauseHotkeysWhileRecording recording=") +
+        (recording ? QStringLiteral("true") : QStringLiteral("false")));
+    if (recording) {
+        hotkeyManager_.unregisterAll();
+    } else {
+        registerAllHotkeys();
+    }
 }
 
 void ApplicationController::checkForUpdates() {
