@@ -94,7 +94,6 @@ class PreferencesTest : public QObject {
 
 private Q_SLOTS:
     // PreferencesController
-    void marginIsWrittenUnrounded();
     void allBoxesOffSaveZero();
     void hotkeySettersPostTheirOwnNotificationFirst_data();
     void hotkeySettersPostTheirOwnNotificationFirst();
@@ -108,23 +107,12 @@ private Q_SLOTS:
     void marginTexts();
     void formShowsTheFileInThePlatformsWords_data();
     void formShowsTheFileInThePlatformsWords();
-    void eachControlCallsItsSetter();
     void recordingStoresTheCombination();
     void escapeCancelsRecording();
     void clearRemovesTheHotkeyAndEndsRecording();
     void closingOrLeavingTheWindowEndsRecording();
     void hideIconNeedsAWayBack();
-    void launchAtLoginOnlyWhereItApplies();
 };
-
-void PreferencesTest::marginIsWrittenUnrounded() {
-    Settings s;
-    s.preferences.setCellMarginPoints(12.7);
-    QVERIFY2(s.fileText().contains("\"cellMarginPoints\" : 12.7,"), s.fileText().constData());
-    QCOMPARE(s.config().cellMarginPoints(), 12.7);
-    QCOMPARE(s.preferences.getCellMarginPoints(), 12.7);
-    QCOMPARE(s.journal, QStringList{kConfigChanged});
-}
 
 void PreferencesTest::allBoxesOffSaveZero() {
     Settings s;
@@ -310,32 +298,6 @@ void PreferencesTest::formShowsTheFileInThePlatformsWords() {
     QVERIFY(!form.launchAtLogin);
 }
 
-void PreferencesTest::eachControlCallsItsSetter() {
-    Window w;
-    w.logins.applies = true;
-    w.controller.show();
-    PreferencesFormEvents& events = w.events();
-
-    events.cellMarginChanged(12.7);
-    QCOMPARE(w.settings.config().cellMarginPoints(), 12.7);
-    QCOMPARE(w.shown().cellMarginText, QStringLiteral("12 pt"));
-    events.snapModifiersChanged(SnapCombination::Single, 0);
-    QCOMPARE(w.settings.config().singleSnapModifiers(), std::optional(ModifierDefinition{0}));
-    QCOMPARE(w.shown().singleSnapModifiers, 0u);
-    events.snapModifiersChanged(SnapCombination::Multi, 4096 | 256);
-    QCOMPARE(w.settings.config().multiSnapModifiers(), std::optional(ModifierDefinition{4352}));
-    events.launchAtLoginChanged(true);
-    QCOMPARE(w.settings.config().launchAtLogin(), std::optional(true));
-    QVERIFY(w.shown().launchAtLogin);
-    events.restoreWindowSizeOnUnsnapChanged(false);
-    QCOMPARE(w.settings.config().restoreWindowSizeOnUnsnap(), std::optional(false));
-    QVERIFY(!w.shown().restoreWindowSizeOnUnsnap);
-    QCOMPARE(w.settings.journal, QStringList(5, kConfigChanged));
-
-    events.closeClicked();
-    QVERIFY(!w.controller.isVisible());
-}
-
 void PreferencesTest::recordingStoresTheCombination() {
     Window w;
     w.controller.show();
@@ -447,24 +409,6 @@ void PreferencesTest::hideIconNeedsAWayBack() {
     w.events().hideMenuBarIconChanged(false);
     QCOMPARE(w.settings.config().hideMenuBarIcon(), std::optional(false));
     QVERIFY(!w.shown().hideMenuBarIconEnabled);
-}
-
-void PreferencesTest::launchAtLoginOnlyWhereItApplies() {
-    Window w(WordStyle::MacOS);
-    w.logins.applies = false;
-    w.controller.show();
-    QVERIFY(!w.shown().launchAtLoginEnabled);
-    QCOMPARE(w.shown().launchAtLoginInfo,
-             PlatformWords(WordStyle::MacOS).launchAtLoginRequirement());
-    w.events().launchAtLoginChanged(true);
-    QCOMPARE(w.settings.config().launchAtLogin(), std::optional(false));
-
-    w.logins.applies = true;
-    w.controller.show();
-    QVERIFY(w.shown().launchAtLoginEnabled);
-    QVERIFY(w.shown().launchAtLoginInfo.isEmpty());
-    w.events().launchAtLoginChanged(true);
-    QCOMPARE(w.settings.config().launchAtLogin(), std::optional(true));
 }
 
 QTEST_GUILESS_MAIN(PreferencesTest)
