@@ -6,6 +6,7 @@
 #   layout-selector.png  the layout selector over the right monitor, the focus one card on
 #   layout-hud.png  the heads-up display naming the next layout
 #   restore-preview.png  "Restore Settings?" for a backup with layouts on two displays
+#   preferences.png  the preferences window
 #   quick-start-welcome.png, quick-start-create-layout.png, quick-start-snap.png
 #                   the quick start guide's three pages, as a first start shows it
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
@@ -120,6 +121,7 @@ wait_for "xdotool search --onlyvisible --name '^About Paneforge\$'"
 sleep 0.5
 about=$(xdotool search --onlyvisible --name '^About Paneforge$' | head -n 1)
 import -frame -window "$about" "$out/about.png"
+xdotool key Escape
 
 xdotool key Escape
 
@@ -197,4 +199,13 @@ preview=$(xdotool search --onlyvisible --name '^Restore Settings\?$' | head -n 1
 import -frame -window "$preview" "$out/restore-preview.png"
 xdotool key Escape
 
-echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png and quick-start-*.png"
+# The preferences window, opened from its row (the sixth), with its title bar.
+wait_for '(($(agent_windows) == 1))'
+open_menu
+xdotool key Down Down Down Down Down Down Return
+wait_for "xdotool search --onlyvisible --name '^Preferences\$'"
+sleep 0.5
+preferences=$(xdotool search --onlyvisible --name '^Preferences$' | head -n 1)
+import -frame -window "$preferences" "$out/preferences.png"
+
+echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png, preferences.png and quick-start-*.png"

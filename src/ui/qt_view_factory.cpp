@@ -1,9 +1,9 @@
 #include "ui/qt_view_factory.h"
 
-#include "app/shell/stand_in_controllers.h"
 #include "ui/about_window.h"
 #include "ui/onboarding/permission_coach_window.h"
 #include "ui/onboarding/quick_start_window.h"
+#include "ui/preferences_window.h"
 #include "ui/status_item_controller.h"
 
 #include <QApplication>
@@ -46,8 +46,8 @@ std::unique_ptr<ShellWindow> QtViewFactory::makeAboutWindow() {
     return std::make_unique<AboutWindow>(nativeWindows_);
 }
 
-std::unique_ptr<ShellWindow> QtViewFactory::makePreferencesWindow() {
-    return std::make_unique<StandInPreferencesWindow>(fileLog_);
+std::unique_ptr<PreferencesView> QtViewFactory::makePreferencesView(PreferencesFormEvents& events) {
+    return std::make_unique<PreferencesWindow>(events, nativeWindows_);
 }
 
 std::optional<QString> QtViewFactory::keyWindowTitle() {

@@ -20,7 +20,7 @@ public:
     SnapOverlayFactory& snapOverlays() override { return snapOverlays_; }
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override;
     std::unique_ptr<ShellWindow> makeAboutWindow() override;
-    std::unique_ptr<ShellWindow> makePreferencesWindow() override;
+    std::unique_ptr<PreferencesView> makePreferencesView(PreferencesFormEvents& events) override;
     AlertPresenter& alerts() override { return alerts_; }
     LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitchViews_; }
     BackupViews& backupViews() override { return backupViews_; }

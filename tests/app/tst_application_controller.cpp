@@ -104,6 +104,8 @@ private Q_SLOTS:
     void zoneEditorSubmenuListsTheDisplays();
     void quickStartOnceThePermissionsAreReady_data();
     void quickStartOnceThePermissionsAreReady();
+    void recordingAHotkeyPausesTheHotkeys();
+    void preferencesChangesApplyAtOnce();
     void callbacksDoNothingOnceTheControllerIsGone();
     void launchAtLoginFollowsTheSystem_data();
     void launchAtLoginFollowsTheSystem();
@@ -190,7 +192,9 @@ void ApplicationControllerTest::hotkeysTriggerTheirActions() {
     app.platform.windowList.add(7, {100, 100, 400, 300});
     app.started();
     QCOMPARE(app.registeredIds(), kAllIds);
-    app.views.preferences->visible = preferencesOpen;
+    if (preferencesOpen) {
+        app.views.statusMenu->openPreferences();
+    }
 
     app.press(id);
     if (effect.isEmpty()) {
@@ -236,6 +240,51 @@ void ApplicationControllerTest::eachNotificationReRegistersItsHotkey() {
     app.save(changed.write(app.config(), std::nullopt));
     app.notifications.post(Notification::ConfigChanged);
     QVERIFY(app.registeredIds().empty());
+}
+
+void ApplicationControllerTest::recordingAHotkeyPausesTheHotkeys() {
+    Application app(allHotkeys());
+    app.started();
+    app.views.statusMenu->openPreferences();
+    QCOMPARE(app.registeredIds(), kAllIds);
+
+    // While a combination is recorded, no hot key holds the keyboard, whatever is announced.
+    app.views.preferences->events.recordHotkeyClicked(HotkeySlotId::MoveToNextDisplay);
+    QVERIFY(app.registeredIds().empty());
+    app.notifications.post(Notification::ConfigChanged);
+    QVERIFY(app.registeredIds().empty());
+
+    // Recorded: all six are back, the new combination among them.
+    const int from = int(app.log.size());
+    QVERIFY(app.views.keyMonitor.press(45, 6144));
+    QCOMPARE(app.registeredIds(), kAllIds);
+    QCOMPARE(app.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
+    QVERIFY2(app.indexOf("HotkeyManager.register id=4 keyCode=45 modifiers=6144", from) >= 0,
+             qPrintable(app.log.join('\n')));
+    QVERIFY(app.indexOf("ApplicationController.pauseHotkeysWhileRecording recording=false", from) >=
+            0);
+
+    // Escape cancels and brings them back as they were.
+    app.views.preferences->events.recordHotkeyClicked(HotkeySlotId::OpenEditor);
+    QVERIFY(app.registeredIds().empty());
+    QVERIFY(app.views.keyMonitor.press(53, 0));
+    QCOMPARE(app.registeredIds(), kAllIds);
+}
+
+void ApplicationControllerTest::preferencesChangesApplyAtOnce() {
+    Application app(allHotkeys());
+    app.started();
+    app.views.statusMenu->openPreferences();
+    PreferencesFormEvents& events = app.views.preferences->events;
+    QVERIFY(app.controller->isStatusItemShown());
+    events.hideMenuBarIconChanged(true);
+    QVERIFY(!app.controller->isStatusItemShown());
+    events.hideMenuBarIconChanged(false);
+    QVERIFY(app.controller->isStatusItemShown());
+
+    // A cleared hot key stops at once.
+    events.clearHotkeyClicked(HotkeySlotId::NextLayout);
+    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1, 2, 3, 4, 6}));
 }
 
 void ApplicationControllerTest::menuRowsReachTheirControllers_data() {

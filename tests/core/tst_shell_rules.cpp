@@ -9,6 +9,8 @@
 
 using namespace paneforge;
 
+Q_DECLARE_METATYPE(paneforge::WordStyle)
+
 namespace {
 
 // A US-like layout for the letters it knows; the key codes are macOS virtual key codes.
@@ -74,26 +76,38 @@ private Q_SLOTS:
     void hotkeyTexts_data() {
         using Hotkey = std::optional<HotkeyDefinition>;
         QTest::addColumn<Hotkey>("hotkey");
+        QTest::addColumn<WordStyle>("style");
         QTest::addColumn<QString>("text");
-        QTest::newRow("not set") << Hotkey() << "Not set";
-        QTest::newRow("command shift E") << Hotkey({14, 768}) << QString::fromUtf8("⌘ + ⇧ + E");
-        QTest::newRow("fixed order")
-            << Hotkey({0, 4096 | 512 | 2048 | 256}) << QString::fromUtf8("⌘ + ⌥ + ⌃ + ⇧ + A");
-        QTest::newRow("space alone") << Hotkey({49, 0}) << "Space";
-        QTest::newRow("return") << Hotkey({36, 256}) << QString::fromUtf8("⌘ + ↩");
-        QTest::newRow("arrows") << Hotkey({126, 0}) << QString::fromUtf8("↑");
-        QTest::newRow("escape") << Hotkey({53, 0}) << QString::fromUtf8("⎋");
-        QTest::newRow("no character: key number") << Hotkey({122, 0}) << "Key 122";
-        QTest::newRow("upper-cased by the layout") << Hotkey({27, 0}) << QString::fromUtf8("SS");
-        QTest::newRow("beyond 16 bits") << Hotkey({70000, 0}) << "Key 70000";
+        const auto both = [](const char* name, Hotkey hotkey, const char* mac, const char* linux_) {
+            QTest::addRow("%s, macOS", name)
+                << hotkey << WordStyle::MacOS << QString::fromUtf8(mac);
+            QTest::addRow("%s, Linux", name)
+                << hotkey << WordStyle::Linux << QString::fromUtf8(linux_);
+        };
+        both("not set", Hotkey(), "Not set", "Not set");
+        both("command shift E", Hotkey({14, 768}), "⌘ + ⇧ + E", "Super + Shift + E");
+        both("fixed order", Hotkey({0, 4096 | 512 | 2048 | 256}), "⌘ + ⌥ + ⌃ + ⇧ + A",
+             "Super + Ctrl + Alt + Shift + A");
+        both("control option M", Hotkey({46, 4096 | 2048}), "⌥ + ⌃ + Key 46",
+             "Ctrl + Alt + Key 46");
+        both("space alone", Hotkey({49, 0}), "Space", "Space");
+        both("return", Hotkey({36, 256}), "⌘ + ↩", "Super + Return");
+        both("arrows", Hotkey({126, 0}), "↑", "Up");
+        both("left arrow", Hotkey({123, 4096}), "⌃ + ←", "Ctrl + Left");
+        both("escape", Hotkey({53, 0}), "⎋", "Escape");
+        both("no character: key number", Hotkey({122, 0}), "Key 122", "Key 122");
+        both("upper-cased by the layout", Hotkey({27, 0}), "SS", "SS");
+        both("beyond 16 bits", Hotkey({70000, 0}), "Key 70000", "Key 70000");
     }
     void hotkeyTexts() {
         QFETCH(std::optional<HotkeyDefinition>, hotkey);
+        QFETCH(WordStyle, style);
         QFETCH(QString, text);
         FakeLayoutProvider layouts;
         FakeTranslator translator;
-        const KeyNameProvider names(layouts, translator);
-        QCOMPARE(HotkeyFormatter(names).format(hotkey), text);
+        const PlatformWords words(style);
+        const KeyNameProvider names(layouts, translator, words);
+        QCOMPARE(HotkeyFormatter(names, words).format(hotkey), text);
     }
 
     void keyNamesWithoutALayout() {
@@ -101,7 +115,38 @@ private Q_SLOTS:
         layouts.available = false;
         FakeTranslator translator;
         QCOMPARE(KeyNameProvider(layouts, translator).getName(14), QStringLiteral("Key 14"));
-        QCOMPARE(HotkeyFormatter::modifierSymbols(768), QString::fromUtf8("⌘⇧"));
+    }
+
+    // One helper decides every modifier word; this build uses its platform's.
+    void platformWords() {
+        const PlatformWords mac(WordStyle::MacOS);
+        const PlatformWords linux_(WordStyle::Linux);
+#if defined(Q_OS_MACOS)
+        QCOMPARE(PlatformWords::current().style(), WordStyle::MacOS);
+#else
+        QCOMPARE(PlatformWords::current().style(), WordStyle::Linux);
+#endif
+        QStringList macBoxes;
+        QStringList linuxBoxes;
+        for (const std::uint32_t bit : PlatformWords::settingsOrder()) {
+            macBoxes << mac.modifierName(bit);
+            linuxBoxes << linux_.modifierName(bit);
+        }
+        QCOMPARE(macBoxes, (QStringList{"Command", "Shift", "Option", "Control"}));
+        QCOMPARE(linuxBoxes, (QStringList{"Super", "Shift", "Alt", "Ctrl"}));
+        QCOMPARE(mac.modifierName(1), QString());
+        QCOMPARE(mac.heldCombination(768), QString::fromUtf8("⌘⇧"));
+        QCOMPARE(linux_.heldCombination(768), QStringLiteral("Super+Shift"));
+        QCOMPARE(mac.statusIconName(), QStringLiteral("menu bar icon"));
+        QCOMPARE(linux_.statusIconName(), QStringLiteral("tray icon"));
+        QVERIFY(mac.launchAtLoginRequirement().contains("application bundle"));
+        QVERIFY(linux_.launchAtLoginRequirement().contains("installed Paneforge"));
+        // The quick start guide says which keys to hold in the same words.
+        QVERIFY(QuickStartGuide::pagesIn(mac).back().body.startsWith(
+            QString::fromUtf8("Hold ⌘ and drag a window onto a zone. Hold ⌘⇧ to snap")));
+        QVERIFY(QuickStartGuide::pagesIn(linux_).back().body.startsWith(
+            "Hold Super and drag a window onto a zone. Hold Super+Shift to snap"));
+        QCOMPARE(QuickStartGuide::pages(), QuickStartGuide::pagesIn(PlatformWords::current()));
     }
 
     void statusMenu() {

@@ -285,15 +285,60 @@ public:
     bool isVisible() const override { return visible; }
 };
 
-class NoKeyMonitor final : public KeyDownMonitorApi {
+// One monitor at a time; press() plays a key press in one of Paneforge's windows.
+class KeyMonitor final : public KeyDownMonitorApi {
 public:
-    std::unique_ptr<Monitor> addLocalMonitor(Handler) override { return nullptr; }
+    std::shared_ptr<Handler> handler;
+
+    std::unique_ptr<Monitor> addLocalMonitor(Handler h) override {
+        auto monitor = std::make_unique<Installed>(*this);
+        handler = std::make_shared<Handler>(std::move(h));
+        return monitor;
+    }
+    // Whether the press was swallowed; with no monitor it goes on to the window.
+    bool press(std::uint32_t keyCode, std::uint32_t modifiers) {
+        const auto keep = handler; // a monitor may be removed while it handles the press
+        return keep && (*keep)(KeyPress{keyCode, modifiers});
+    }
+
+private:
+    struct Installed final : Monitor {
+        explicit Installed(KeyMonitor& api)
+            : api(api) {}
+        ~Installed() override { api.handler.reset(); }
+        KeyMonitor& api;
+    };
+};
+
+// The preferences window: keeps the last form shown and reports what a test does in it.
+class PreferencesWindow final : public PreferencesView {
+public:
+    PreferencesWindow(PreferencesFormEvents& events, Journal journal)
+        : events(events)
+        , journal_(std::move(journal)) {}
+    PreferencesFormEvents& events;
+    std::optional<PreferencesForm> form;
+    bool visible = false;
+
+    void display(const PreferencesForm& shown) override { form = shown; }
+    void present() override {
+        journal_(QStringLiteral("preferences.show"));
+        visible = true;
+    }
+    void close() override {
+        visible = false;
+        events.windowDeactivated();
+    }
+    bool isVisible() const override { return visible; }
+
+private:
+    Journal journal_;
 };
 
 class Views final : public ViewFactory {
 public:
     Overlays overlays;
-    NoKeyMonitor keyMonitor;
+    KeyMonitor keyMonitor;
     Alerts alertBoxes;
     LayoutSwitchScreen layoutSwitch;
     Backups backups;
@@ -301,7 +346,7 @@ public:
     int statusItemsMade = 0;
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
     std::optional<StatusMenuActions> statusMenu;
-    OwnWindow* preferences = nullptr; // owned by the caller
+    PreferencesWindow* preferences = nullptr; // owned by the caller, made on first show
     std::optional<QString> keyWindow;
 
     SnapOverlayFactory& snapOverlays() override { return overlays; }
@@ -313,8 +358,8 @@ public:
     std::unique_ptr<ShellWindow> makeAboutWindow() override {
         return std::make_unique<OwnWindow>(QStringLiteral("about"), journal);
     }
-    std::unique_ptr<ShellWindow> makePreferencesWindow() override {
-        auto window = std::make_unique<OwnWindow>(QStringLiteral("preferences"), journal);
+    std::unique_ptr<PreferencesView> makePreferencesView(PreferencesFormEvents& events) override {
+        auto window = std::make_unique<PreferencesWindow>(events, journal);
         preferences = window.get();
         return window;
     }

@@ -90,11 +90,15 @@ private Q_SLOTS:
     }
 
     void hotKeyTextsUseTheLayout() {
+        // In the Linux words: Super, not ⌘.
         const KeyNameProvider names(layouts_, translator_);
         const HotkeyFormatter formatter(names);
         QCOMPARE(formatter.format(
                      HotkeyDefinition{0x0E, modifier_bits::kCommand | modifier_bits::kShift}),
-                 QString::fromUtf8("\u2318 + \u21E7 + E"));
+                 QStringLiteral("Super + Shift + E"));
+        QCOMPARE(formatter.format(
+                     HotkeyDefinition{0x2E, modifier_bits::kControl | modifier_bits::kOption}),
+                 QStringLiteral("Ctrl + Alt + M"));
         QCOMPARE(names.getName(0x7A), QStringLiteral("Key 122")); // F1 types nothing
     }
 

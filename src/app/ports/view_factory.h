@@ -4,6 +4,7 @@
 #include "app/ports/key_down_monitor_api.h"
 #include "app/ports/layout_switch_views.h"
 #include "app/ports/onboarding_views.h"
+#include "app/ports/preferences_view.h"
 #include "app/ports/shell_windows.h"
 #include "app/ports/snap_overlay.h"
 #include "app/ports/status_item_view.h"
@@ -24,7 +25,8 @@ public:
     virtual std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) = 0;
     // "About Paneforge": the name, the version and what Paneforge does.
     virtual std::unique_ptr<ShellWindow> makeAboutWindow() = 0;
-    virtual std::unique_ptr<ShellWindow> makePreferencesWindow() = 0;
+    // "Preferences": reports what the user changes to `events`, which outlives it.
+    virtual std::unique_ptr<PreferencesView> makePreferencesView(PreferencesFormEvents& events) = 0;
     virtual AlertPresenter& alerts() = 0;
     // The heads-up display of layout cycling and the layout selector.
     virtual LayoutSwitchViews& layoutSwitchViews() = 0;

@@ -26,8 +26,9 @@ ApplicationController::ApplicationController(ApplicationServices services)
               return services_.views.makeQuickStartWindow(std::move(actions));
           },
           // The guide lives and dies with this controller.
-          [this] { zoneEditor_.showEditorForMainDisplay(); }, [this] { markQuickStartCompleted(); })
-    , preferencesWindow_(services_.views.makePreferencesWindow())
+          [this] { zoneEditor_.showEditorForMainDisplay(); },
+          [this] { preferences_.setHasCompletedQuickStart(true); })
+    , preferences_(services_.configStore, services_.notifications)
     , aboutWindow_(services_.views.makeAboutWindow())
     , hotkeyManager_(services_.platform.hotkeys(), services_.scheduler, services_.fileLog)
     , eventTapManager_(services_.platform.eventTaps(), services_.scheduler, services_.notifications)
@@ -39,7 +40,16 @@ ApplicationController::ApplicationController(ApplicationServices services)
               return services_.views.makePermissionCoach(std::move(onButton));
           },
           services_.fileLog})
-    , self_(std::make_shared<ApplicationController*>(this)) {}
+    , self_(std::make_shared<ApplicationController*>(this)) {
+    preferencesWindow_ = std::make_unique<PreferencesWindowController>(PreferencesWindowServices{
+        preferences_, services_.views, services_.platform.keyboardLayout(),
+        services_.platform.keyTranslator(), services_.platform.loginItems(), services_.fileLog,
+        [weak = std::weak_ptr<ApplicationController*>(self_)](bool recording) {
+            if (const auto self = weak.lock()) {
+                (*self)->pauseHotkeysWhileRecording(recording);
+            }
+        }});
+}
 
 ApplicationController::~ApplicationController() = default;
 
@@ -106,6 +116,9 @@ void ApplicationController::registerAllHotkeys() {
 }
 
 void ApplicationController::registerHotkey(const HotkeySlot& slot) {
+    if (hotkeysPaused_) {
+        return; // registered again from the file when the recording ends
+    }
     // Read afresh every time: the file is the only truth, never a notification's payload.
     const auto hotkey = slot.read(loadConfigOrDefault());
     if (!hotkey) {
@@ -224,6 +237,20 @@ void ApplicationController::showPreferencesWindow() {
     preferencesWindow_->show();
 }
 
+void ApplicationController::pauseHotkeysWhileRecording(bool recording) {
+    if (hotkeysPaused_ == recording) {
+        return;
+    }
+    hotkeysPaused_ = recording;
+    log(QStringLiteral("ApplicationController.pauseHotkeysWhileRecording recording=") +
+        (recording ? QStringLiteral("true") : QStringLiteral("false")));
+    if (recording) {
+        hotkeyManager_.unregisterAll();
+    } else {
+        registerAllHotkeys();
+    }
+}
+
 void ApplicationController::checkForUpdates() {
     UpdateService& updater = services_.platform.updater();
     if (!updater.checkForUpdates()) {
@@ -304,15 +331,6 @@ void ApplicationController::startSnapAndPermissions() {
     }));
     permissionGate_.startWatchdog();
     permissionGate_.handleWatchdogTick();
-}
-
-void ApplicationController::markQuickStartCompleted() {
-    try {
-        services_.configStore.saveConfig(loadConfigOrDefault().withHasCompletedQuickStart(true));
-    } catch (const std::exception&) {
-        return; // the store logs its own failures
-    }
-    services_.notifications.post(notifications::kConfigChanged);
 }
 
 } // namespace paneforge

@@ -8,6 +8,8 @@
 #include "app/onboarding/quick_start_controller.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "app/preferences/preferences_controller.h"
+#include "app/preferences/preferences_window_controller.h"
 #include "app/runtime/config_file_watcher.h"
 #include "app/runtime/notification_center.h"
 #include "app/runtime/process_command_runner.h"
@@ -70,6 +72,9 @@ private:
     void hideStatusItem();
     StatusMenuActions statusMenuActions();
     void showPreferencesWindow();
+    // While a hot key is being recorded in the preferences, the global hot keys let go of the
+    // keyboard; afterwards they are registered again from the file.
+    void pauseHotkeysWhileRecording(bool recording);
     void checkForUpdates();
     void revealLogFile();
 
@@ -78,7 +83,6 @@ private:
 
     void startSnapAndPermissions();
     void watchConfigFile();
-    void markQuickStartCompleted();
     PaneforgeConfig loadConfigOrDefault() const;
     LayoutSwitchServices layoutSwitchServices();
     void log(const QString& line) const;
@@ -95,7 +99,8 @@ private:
     LayoutCycleHUDController layoutCycleHUD_;
     LayoutCycleController layoutCycle_;
     QuickStartController quickStart_;
-    std::unique_ptr<ShellWindow> preferencesWindow_;
+    PreferencesController preferences_;
+    std::unique_ptr<PreferencesWindowController> preferencesWindow_;
     std::unique_ptr<ShellWindow> aboutWindow_;
     std::unique_ptr<StatusItemView> statusItem_;
     HotkeyManager hotkeyManager_;
@@ -105,6 +110,7 @@ private:
     PrivacyPermissionGate permissionGate_;
     // None until launch at login was first applied.
     std::optional<bool> lastAppliedLaunchAtLogin_;
+    bool hotkeysPaused_ = false;
     std::vector<NotificationCenter::ObservationToken> observations_;
     std::unique_ptr<ConfigFileWatcher> configFileWatcher_;
     std::shared_ptr<ApplicationController*> self_;

@@ -37,13 +37,4 @@ public:
     }
 };
 
-// The preferences window until it exists: never visible.
-class StandInPreferencesWindow final : public StandInController, public ShellWindow {
-public:
-    explicit StandInPreferencesWindow(LogSink log)
-        : StandInController(QStringLiteral("StandInPreferencesWindow"), std::move(log)) {}
-    void show() override { called(QStringLiteral("show")); }
-    bool isVisible() const override { return false; }
-};
-
 } // namespace paneforge

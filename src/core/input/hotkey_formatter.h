@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/input/hotkey_definition.h"
+#include "core/policies/platform_words.h"
 
 #include <QString>
 #include <cstdint>
@@ -48,39 +49,39 @@ public:
                                              const KeyboardLayout& layout) const = 0;
 };
 
-// Key names: fixed symbols for a few keys, the keyboard layout for the rest, "Key <code>" when
-// the layout has no character for it.
+// Key names: fixed names for a few keys (the platform's words, PlatformWords), the keyboard
+// layout for the rest, "Key <code>" when the layout has no character for it.
 class KeyNameProvider {
 public:
     KeyNameProvider(const KeyboardLayoutProvider& layoutProvider,
-                    const KeyboardKeyTranslator& translator)
+                    const KeyboardKeyTranslator& translator,
+                    PlatformWords words = PlatformWords::current())
         : layoutProvider_(layoutProvider)
-        , translator_(translator) {}
+        , translator_(translator)
+        , words_(words) {}
 
     QString getName(std::uint32_t keyCode) const;
     std::optional<QString> translateByKeyboardLayout(std::uint32_t keyCode) const;
 
-    // The fixed names of Return, Space, Escape and the arrows; none for other keys.
-    static std::optional<QString> fixedName(std::uint32_t keyCode);
-
 private:
     const KeyboardLayoutProvider& layoutProvider_;
     const KeyboardKeyTranslator& translator_;
+    PlatformWords words_;
 };
 
-// "⌘ + ⇧ + E": modifiers in the fixed order Command, Option, Control, Shift, then the key name;
-// "Not set" without a hot key.
+// "⌘ + ⇧ + E" on macOS, "Super + Shift + E" on Linux: the modifiers as PlatformWords orders and
+// names them, then the key name, joined by " + "; "Not set" without a hot key.
 class HotkeyFormatter {
 public:
-    explicit HotkeyFormatter(const KeyNameProvider& keyNames)
-        : keyNames_(keyNames) {}
+    explicit HotkeyFormatter(const KeyNameProvider& keyNames,
+                             PlatformWords words = PlatformWords::current())
+        : keyNames_(keyNames)
+        , words_(words) {}
     QString format(const std::optional<HotkeyDefinition>& hotkey) const;
-
-    // The modifier symbols of a mask in the same order, without separators ("⌘⇧").
-    static QString modifierSymbols(std::uint32_t modifiers);
 
 private:
     const KeyNameProvider& keyNames_;
+    PlatformWords words_;
 };
 
 } // namespace paneforge

@@ -1,6 +1,8 @@
 #include "core/policies/quick_start_guide.h"
 
 #include "core/config/name_table.h"
+#include "core/input/hotkey_definition.h"
+#include "core/policies/platform_words.h"
 
 namespace paneforge {
 
@@ -15,8 +17,11 @@ QString rawValue(QuickStartPageId id) {
     return kPageNames.nameOf(id);
 }
 
-const std::vector<QuickStartPage>& QuickStartGuide::pages() {
-    static const std::vector<QuickStartPage> kPages = {
+std::vector<QuickStartPage> QuickStartGuide::pagesIn(const PlatformWords& words) {
+    // The default combinations.
+    const QString single = words.heldCombination(modifier_bits::kCommand);
+    const QString multi = words.heldCombination(modifier_bits::kCommand | modifier_bits::kShift);
+    return {
         {QuickStartPageId::Welcome, QStringLiteral("Welcome to Paneforge"),
          QStringLiteral("Paneforge snaps windows into zones you design. Permissions are ready. "
                         "Next, create a layout, then snap."),
@@ -26,11 +31,15 @@ const std::vector<QuickStartPage>& QuickStartGuide::pages() {
                         "layout, then Save."),
          QStringLiteral("Open Zone Editor")},
         {QuickStartPageId::Snap, QStringLiteral("Snap a window"),
-         QStringLiteral(
-             "Hold \u2318 and drag a window onto a zone. Hold \u2318\u21E7 to snap across "
-             "several zones. Change modifiers in Preferences."),
+         QStringLiteral("Hold %1 and drag a window onto a zone. Hold %2 to snap across "
+                        "several zones. Change modifiers in Preferences.")
+             .arg(single, multi),
          std::nullopt},
     };
+}
+
+const std::vector<QuickStartPage>& QuickStartGuide::pages() {
+    static const std::vector<QuickStartPage> kPages = pagesIn(PlatformWords::current());
     return kPages;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/policies/platform_words.h"
+
 #include <QString>
 #include <optional>
 #include <vector>
@@ -19,7 +21,10 @@ struct QuickStartPage {
 };
 
 namespace QuickStartGuide {
+// In the words of the platform this build is for.
 const std::vector<QuickStartPage>& pages();
+// The pages as they read on a platform ("Hold ⌘" on macOS, "Hold Super" on Linux).
+std::vector<QuickStartPage> pagesIn(const PlatformWords& words);
 std::optional<QuickStartPage> page(int index);
 std::optional<int> nextIndex(int index);
 std::optional<int> previousIndex(int index);
