@@ -1,5 +1,6 @@
-// The real agent's first start under Xvfb and openbox: the quick start guide appears by itself,
-// takes the keyboard, opens the zone editor and, once skipped, never appears by itself again.
+// The real agent's first start under Xvfb, openbox and a tray host: the quick start guide appears
+// by itself, takes the keyboard, opens the zone editor and, once skipped, never appears by itself
+// again; "Quick Start…" in the tray menu brings it back, and Escape closes it.
 
 #include "core/config/config_store.h"
 #include "x11_test_session.h"
@@ -20,7 +21,7 @@ public:
 private Q_SLOTS:
     void firstStartShowsTheGuideWithTheKeyboard();
     void theGuideOpensTheZoneEditorAndSkipEndsIt();
-    void aSecondStartShowsNothing();
+    void aSecondStartShowsNothingButTheMenuRowDoes();
 
 private:
     bool xdotool(const QStringList& arguments) { return session_.run("xdotool", arguments); }
@@ -29,15 +30,28 @@ private:
         session_.run("xdotool", {"search", "--onlyvisible", "--name", "^Quick Start$"}, &output);
         return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
+    QStringList agentWindows() {
+        QString output;
+        session_.run("xdotool", {"search", "--onlyvisible", "--classname", "paneforge"}, &output);
+        return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    // Waits until the guide is the one window with the keyboard.
+    bool guideHasTheKeyboard() {
+        return X11TestSession::waitUntil([&] {
+            const QStringList guide = guideWindows();
+            return guide.size() == 1 && activeWindow() == guide.front().toUInt();
+        });
+    }
     std::uint32_t activeWindow() const {
         const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
         return active.empty() ? 0 : active.front();
     }
-    std::optional<bool> storedCompletion() const {
+    ConfigStore store() const {
         return ConfigStore(LoggerFactory::makeLogger("Test"),
-                           [this] { return agent_.configHome(); })
-            .loadConfig()
-            .hasCompletedQuickStart();
+                           [this] { return agent_.configHome(); });
+    }
+    std::optional<bool> storedCompletion() const {
+        return store().loadConfig().hasCompletedQuickStart();
     }
     bool startAgent() {
         QString output;
@@ -60,14 +74,9 @@ void AgentOnboardingTest::firstStartShowsTheGuideWithTheKeyboard() {
              qPrintable(log));
     // X11 with XInput 2.1 needs nothing from the user: no coach.
     QVERIFY(!log.contains("PrivacyPermissionGate.coach"));
-    QStringList guide;
-    QVERIFY(X11TestSession::waitUntil([&] {
-        guide = guideWindows();
-        return guide.size() == 1;
-    }));
-    QVERIFY2(
-        X11TestSession::waitUntil([&] { return activeWindow() == guide.front().toUInt(); }),
-        qPrintable(QString("active window %1, guide %2").arg(activeWindow()).arg(guide.front())));
+    QVERIFY2(guideHasTheKeyboard(), qPrintable(QString("active window %1, guide %2")
+                                                   .arg(activeWindow())
+                                                   .arg(guideWindows().join(' '))));
 }
 
 void AgentOnboardingTest::theGuideOpensTheZoneEditorAndSkipEndsIt() {
@@ -84,21 +93,35 @@ void AgentOnboardingTest::theGuideOpensTheZoneEditorAndSkipEndsIt() {
     QVERIFY(agent_.quit());
 }
 
-void AgentOnboardingTest::aSecondStartShowsNothing() {
+void AgentOnboardingTest::aSecondStartShowsNothingButTheMenuRowDoes() {
     const int shown = agent_.logCount("permissionsReady quickStart=true");
     QVERIFY(startAgent());
     QVERIFY2(agent_.logText().contains("ApplicationController.permissionsReady quickStart=false"),
              qPrintable(agent_.logText()));
     QCOMPARE(agent_.logCount("permissionsReady quickStart=true"), shown);
     QVERIFY(guideWindows().isEmpty());
+
+    // "Quick Start…", the fifth row from the bottom, opens it again with the keyboard; closed with
+    // Escape it counts as completed too (the file is set back first to see it written).
+    store().saveConfig(store().loadConfig().withHasCompletedQuickStart(false));
+    QVERIFY(X11TestSession::waitUntil([&] { return agentWindows().size() == 1; }));
+    const QString icon = agentWindows().front();
+    QVERIFY(xdotool({"mousemove", "--window", icon, "11", "12", "click", "1"}));
+    QVERIFY(X11TestSession::waitUntil([&] { return agentWindows().size() == 2; }));
+    QVERIFY(xdotool({"key", "Up", "Up", "Up", "Up", "Up", "Return"}));
+    QVERIFY(guideHasTheKeyboard());
+    QVERIFY(xdotool({"key", "Escape"}));
+    QVERIFY(X11TestSession::waitUntil([&] { return guideWindows().isEmpty(); }));
+    QVERIFY(X11TestSession::waitUntil([&] { return storedCompletion() == true; }));
     QVERIFY(agent_.quit());
 }
 
 int main(int argc, char** argv) {
-    return runWithX11Session(argc, argv, X11TestSession::Options{}, [&](X11TestSession& session) {
-        AgentOnboardingTest test(session);
-        return QTest::qExec(&test, argc, argv);
-    });
+    return runWithX11Session(argc, argv, X11TestSession::Options{.trayHost = true},
+                             [&](X11TestSession& session) {
+                                 AgentOnboardingTest test(session);
+                                 return QTest::qExec(&test, argc, argv);
+                             });
 }
 
 #include "agent_onboarding.moc"

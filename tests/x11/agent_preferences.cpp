@@ -111,7 +111,8 @@ void AgentPreferencesTest::initTestCase() {
         X11TestSession::waitUntil([this] { return displays_.getActiveDisplays().size() == 2; }));
     store_.saveConfig(PaneforgeConfig::makeDefault()
                           .withOpenPreferencesHotkey(kPreferencesHotkey)
-                          .withMoveToNextDisplayHotkey(kOldMoveHotkey));
+                          .withMoveToNextDisplayHotkey(kOldMoveHotkey)
+                          .withHasCompletedQuickStart(true));
     QString output;
     QVERIFY2(agent_.start(QStringLiteral(PANEFORGE_AGENT), &output), qPrintable(output));
     QVERIFY(X11TestSession::waitUntil([&] { return visibleAgentWindows().size() == 1; }));
