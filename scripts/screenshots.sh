@@ -9,6 +9,8 @@
 #   preferences.png  the preferences window
 #   quick-start-welcome.png, quick-start-create-layout.png, quick-start-snap.png
 #                   the quick start guide's three pages, as a first start shows it
+#   permission-coach-linux.png  the coach an X server without XInput 2.1 gets, shown by
+#                   paneforge-coach-preview (Xvfb always has XInput 2, so the agent never shows it)
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/default; `make screenshots` builds it)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -208,4 +210,13 @@ sleep 0.5
 preferences=$(xdotool search --onlyvisible --name '^Preferences$' | head -n 1)
 import -frame -window "$preferences" "$out/preferences.png"
 
-echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png, preferences.png and quick-start-*.png"
+# The permission coach with its Linux text.
+"$build/tools/coach_preview/paneforge-coach-preview" &
+pids+=($!)
+wait_for "xdotool search --onlyvisible --name '^Paneforge\$'"
+sleep 0.5
+coach=$(xdotool search --onlyvisible --name '^Paneforge$' | head -n 1)
+import -frame -window "$coach" "$out/permission-coach-linux.png"
+xdotool key Escape
+
+echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png, preferences.png, quick-start-*.png and permission-coach-linux.png"

@@ -43,7 +43,9 @@ const QString kResetAccessibility = QStringLiteral("/usr/bin/tccutil reset Acces
 const QString kResetListenEvent = QStringLiteral("/usr/bin/tccutil reset ListenEvent");
 
 struct Guide {
-    Guide() { views.journal = [](const QString&) {}; }
+    Guide() {
+        views.journal = [](const QString&) {};
+    }
     fakes::Views views;
     int editorOpenings = 0;
     int completions = 0;

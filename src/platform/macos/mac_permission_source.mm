@@ -12,8 +12,9 @@ namespace {
 class ActivationObservation final : public NotificationCenter::Observation {
 public:
     explicit ActivationObservation(std::function<void()> callback) {
-        // NSNotification.h: -addObserverForName:object:queue:usingBlock: returns the observer
-        // token, autoreleased; NSApplication.h: NSApplicationDidBecomeActiveNotification.
+        // NSNotification.h: -addObserverForName:object:queue:usingBlock: returns an observer
+        // token the caller does not own, hence the retain; NSApplication.h:
+        // NSApplicationDidBecomeActiveNotification.
         token_ = [[NSNotificationCenter.defaultCenter
             addObserverForName:NSApplicationDidBecomeActiveNotification
                         object:nil
@@ -42,7 +43,8 @@ bool MacPermissionSource::requestListenEventAccess() {
 }
 
 void MacPermissionSource::openSettings(const QString& url) {
-    // NSWorkspace.h: -openURL:; System Settings opens the privacy pane the link names.
+    // NSWorkspace.h: - (BOOL)openURL:(NSURL*)url; System Settings opens the privacy pane the link
+    // names. A link it cannot open changes nothing, so the answer is not needed.
     if (NSURL* link = [NSURL URLWithString:url.toNSString()]) {
         [NSWorkspace.sharedWorkspace openURL:link];
     }

@@ -20,9 +20,13 @@ std::optional<std::pair<int, int>> X11PermissionSource::xinputVersion() {
 }
 
 PermissionCoachContent X11PermissionSource::coachContent(PrivacyCoachStep) {
+    return coachContentFor(xinputVersion());
+}
+
+PermissionCoachContent
+X11PermissionSource::coachContentFor(std::optional<std::pair<int, int>> version) {
     const QString title = QStringLiteral("Snapping is not available");
     const QString button = QStringLiteral("OK");
-    const auto version = xinputVersion();
     if (!version || *version < std::pair<int, int>(2, 1)) {
         const QString has =
             version ? QStringLiteral("XInput %1.%2").arg(version->first).arg(version->second)

@@ -3,6 +3,9 @@
 #include "app/ports/permission_source.h"
 #include "platform/x11/x11_connection.h"
 
+#include <optional>
+#include <utility>
+
 namespace paneforge {
 
 // X11 asks no permission for moving windows or listening to the mouse; what can be missing is
@@ -24,6 +27,8 @@ public:
 
     // The server's XInput version, none without the extension.
     std::optional<std::pair<int, int>> xinputVersion();
+    // What the coach says on a server with that XInput version: what is missing and what to do.
+    static PermissionCoachContent coachContentFor(std::optional<std::pair<int, int>> version);
 
 private:
     X11Connection& connection_;
