@@ -66,8 +66,6 @@ private Q_SLOTS:
     void aTapSeenOnceIsNoStaleListenEventGrant();
     void missingListenEventIsResetRequestedAndCoached();
     void withoutPrivacyGrantsTheCoachOnlyExplains();
-    void guideChromePerPage_data();
-    void guideChromePerPage();
     void guideNavigatesAndCountsAsCompletedHoweverLeft();
 };
 
@@ -161,26 +159,6 @@ void OnboardingTest::withoutPrivacyGrantsTheCoachOnlyExplains() {
     gate.tapInstalled = true;
     gate.ticks(1);
     QCOMPARE(gate.readyCalls, 1);
-}
-
-void OnboardingTest::guideChromePerPage_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QString>("step");
-    QTest::addColumn<bool>("hasPrimary");
-    QTest::addColumn<bool>("backEnabled");
-    QTest::addColumn<QString>("next");
-    QTest::newRow("welcome") << 0 << "1 of 3" << false << false << "Next";
-    QTest::newRow("create a layout") << 1 << "2 of 3" << true << true << "Next";
-    QTest::newRow("snap") << 2 << "3 of 3" << false << true << "Done";
-}
-
-void OnboardingTest::guideChromePerPage() {
-    QFETCH(int, index);
-    const QuickStartChrome chrome = QuickStartController::chrome(index);
-    QTEST(chrome.stepText, "step");
-    QTEST(chrome.primaryActionTitle.has_value(), "hasPrimary");
-    QTEST(chrome.backEnabled, "backEnabled");
-    QTEST(chrome.nextTitle, "next");
 }
 
 void OnboardingTest::guideNavigatesAndCountsAsCompletedHoweverLeft() {

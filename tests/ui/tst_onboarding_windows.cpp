@@ -18,13 +18,15 @@ public:
     bool compositingAvailable() override { return true; }
 };
 
-QPushButton* button(QWidget& window, const QString& text) {
-    for (auto* candidate : window.findChildren<QPushButton*>()) {
-        if (candidate->text() == text) {
-            return candidate;
+// The visible, enabled buttons by their titles.
+QStringList usableButtons(QWidget& window) {
+    QStringList titles;
+    for (const auto* button : window.findChildren<QPushButton*>()) {
+        if (button->isVisible() && button->isEnabled()) {
+            titles << button->text() + (button->isDefault() ? QStringLiteral("*") : QString());
         }
     }
-    return nullptr;
+    return titles;
 }
 
 } // namespace
@@ -39,9 +41,12 @@ private Q_SLOTS:
 
 void OnboardingWindowsTest::quickStartShowsEachPagesChrome_data() {
     QTest::addColumn<int>("index");
-    for (int index = 0; index < 3; ++index) {
-        QTest::addRow("page %d", index) << index;
-    }
+    QTest::addColumn<QString>("step");
+    QTest::addColumn<QStringList>("buttons"); // * marks the one Return presses
+    QTest::newRow("welcome") << 0 << "1 of 3" << QStringList{"Skip", "Next*"};
+    QTest::newRow("layout") << 1 << "2 of 3"
+                            << QStringList{"Open Zone Editor", "Skip", "Back", "Next*"};
+    QTest::newRow("snap") << 2 << "3 of 3" << QStringList{"Skip", "Back", "Done*"};
 }
 
 void OnboardingWindowsTest::quickStartShowsEachPagesChrome() {
@@ -51,20 +56,16 @@ void OnboardingWindowsTest::quickStartShowsEachPagesChrome() {
     QuickStartActions actions;
     actions.closed = [&] { ++closings; };
     QuickStartWindow window(native, actions);
-    const QuickStartChrome chrome = QuickStartController::chrome(index);
-    window.showPage(chrome);
+    window.showPage(QuickStartController::chrome(index));
     window.present();
     QCOMPARE(native.activations, 1);
-    QCOMPARE(window.windowTitle(), QStringLiteral("Quick Start"));
     QStringList labels;
     for (const auto* label : window.findChildren<QLabel*>()) {
         labels << label->text();
     }
-    QCOMPARE(labels, QStringList({chrome.title, chrome.body, chrome.stepText}));
-    const QPushButton* primary = button(window, QStringLiteral("Open Zone Editor"));
-    QCOMPARE(primary && primary->isVisible(), chrome.primaryActionTitle.has_value());
-    QCOMPARE(button(window, QStringLiteral("Back"))->isEnabled(), chrome.backEnabled);
-    QVERIFY(button(window, chrome.nextTitle)->isDefault());
+    QFETCH(QString, step);
+    QVERIFY2(labels.contains(step), qPrintable(labels.join(QLatin1Char('|'))));
+    QTEST(usableButtons(window), "buttons");
 
     // Escape closes it like the title bar, and the controller hears of it once.
     QTest::keyClick(&window, Qt::Key_Escape);
@@ -78,17 +79,15 @@ void OnboardingWindowsTest::coachTakesItsContentAndStaysPut() {
     PermissionCoachWindow coach(native, [&] { ++presses; });
     coach.present({QStringLiteral("Permissions needed"), QStringLiteral("Message"),
                    QStringLiteral("Open Accessibility")});
-    QVERIFY(coach.isVisible());
     coach.move(coach.pos() + QPoint(40, 30));
     const QPoint moved = coach.pos();
     coach.present({QStringLiteral("Permissions needed"), QStringLiteral("Other"),
                    QStringLiteral("Open Input Monitoring")});
     QCOMPARE(coach.pos(), moved);
     QCOMPARE(native.activations, 1);
-    button(coach, QStringLiteral("Open Input Monitoring"))->click();
+    QCOMPARE(usableButtons(coach), QStringList{"Open Input Monitoring*"});
+    coach.findChild<QPushButton*>()->click();
     QCOMPARE(presses, 1);
-    coach.dismiss();
-    QVERIFY(!coach.isVisible());
 }
 
 QTEST_MAIN(OnboardingWindowsTest)

@@ -25,16 +25,13 @@ private Q_SLOTS:
 
 private:
     bool xdotool(const QStringList& arguments) { return session_.run("xdotool", arguments); }
-    QStringList guideWindows() {
+    // The visible windows that xdotool finds by a title ("--name") or by Paneforge's class.
+    QStringList windows(const QString& by = "--classname", const QString& what = "paneforge") {
         QString output;
-        session_.run("xdotool", {"search", "--onlyvisible", "--name", "^Quick Start$"}, &output);
+        session_.run("xdotool", {"search", "--onlyvisible", by, what}, &output);
         return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
-    QStringList agentWindows() {
-        QString output;
-        session_.run("xdotool", {"search", "--onlyvisible", "--classname", "paneforge"}, &output);
-        return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    }
+    QStringList guideWindows() { return windows("--name", "^Quick Start$"); }
     // Waits until the guide is the one window with the keyboard.
     bool guideHasTheKeyboard() {
         return X11TestSession::waitUntil([&] {
@@ -104,10 +101,10 @@ void AgentOnboardingTest::aSecondStartShowsNothingButTheMenuRowDoes() {
     // "Quick Start…", the fifth row from the bottom, opens it again with the keyboard; closed with
     // Escape it counts as completed too (the file is set back first to see it written).
     store().saveConfig(store().loadConfig().withHasCompletedQuickStart(false));
-    QVERIFY(X11TestSession::waitUntil([&] { return agentWindows().size() == 1; }));
-    const QString icon = agentWindows().front();
+    QVERIFY(X11TestSession::waitUntil([&] { return windows().size() == 1; }));
+    const QString icon = windows().front();
     QVERIFY(xdotool({"mousemove", "--window", icon, "11", "12", "click", "1"}));
-    QVERIFY(X11TestSession::waitUntil([&] { return agentWindows().size() == 2; }));
+    QVERIFY(X11TestSession::waitUntil([&] { return windows().size() == 2; }));
     QVERIFY(xdotool({"key", "Up", "Up", "Up", "Up", "Up", "Return"}));
     QVERIFY(guideHasTheKeyboard());
     QVERIFY(xdotool({"key", "Escape"}));
