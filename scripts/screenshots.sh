@@ -81,6 +81,7 @@ open_menu() {
   read -r x y w h < <(geometry "$icon")
   xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 1
   wait_for '(($(agent_windows) >= 2))'
+  sleep 0.3 # the menu is mapped before it grabs the keyboard; keys sent sooner are lost
 }
 mkdir -p "$out"
 

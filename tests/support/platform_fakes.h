@@ -7,6 +7,7 @@
 
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
+#include "key_down_monitor_fake.h"
 #include "layout_switch_fakes.h"
 #include "snap_fakes.h"
 
@@ -285,31 +286,6 @@ public:
     bool isVisible() const override { return visible; }
 };
 
-// One monitor at a time; press() plays a key press in one of Paneforge's windows.
-class KeyMonitor final : public KeyDownMonitorApi {
-public:
-    std::shared_ptr<Handler> handler;
-
-    std::unique_ptr<Monitor> addLocalMonitor(Handler h) override {
-        auto monitor = std::make_unique<Installed>(*this);
-        handler = std::make_shared<Handler>(std::move(h));
-        return monitor;
-    }
-    // Whether the press was swallowed; with no monitor it goes on to the window.
-    bool press(std::uint32_t keyCode, std::uint32_t modifiers) {
-        const auto keep = handler; // a monitor may be removed while it handles the press
-        return keep && (*keep)(KeyPress{keyCode, modifiers});
-    }
-
-private:
-    struct Installed final : Monitor {
-        explicit Installed(KeyMonitor& api)
-            : api(api) {}
-        ~Installed() override { api.handler.reset(); }
-        KeyMonitor& api;
-    };
-};
-
 // The preferences window: keeps the last form shown and reports what a test does in it.
 class PreferencesWindow final : public PreferencesView {
 public:
@@ -338,7 +314,7 @@ private:
 class Views final : public ViewFactory {
 public:
     Overlays overlays;
-    KeyMonitor keyMonitor;
+    KeyDownMonitor keyMonitor;
     Alerts alertBoxes;
     LayoutSwitchScreen layoutSwitch;
     Backups backups;
