@@ -72,6 +72,8 @@ void QuickStartWindow::showPage(const QuickStartChrome& chrome) {
     step_->setText(chrome.stepText);
     primary_->setVisible(chrome.primaryActionTitle.has_value());
     primary_->setText(chrome.primaryActionTitle.value_or(QString()));
+    // Room around the title, as the bottom buttons have.
+    primary_->setMinimumWidth(primary_->fontMetrics().horizontalAdvance(primary_->text()) + 32);
     back_->setEnabled(chrome.backEnabled);
     next_->setText(chrome.nextTitle);
     next_->setFocus();
