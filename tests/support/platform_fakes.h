@@ -272,11 +272,9 @@ public:
         , journal(std::move(coachJournal)) {}
     std::function<void()> button;
     Journal journal;
-    std::optional<PermissionCoachContent> content;
     bool visible = false;
     void present(const PermissionCoachContent& shown) override {
         journal(QStringLiteral("coach.present ") + shown.buttonTitle);
-        content = shown;
         visible = true;
     }
     void dismiss() override {
