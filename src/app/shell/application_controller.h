@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/backup/settings_backup_controllers.h"
+#include "app/editor/grid_editor_controller.h"
 #include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "app/input/hotkey_slots.h"
@@ -87,7 +88,7 @@ private:
 
     ApplicationServices services_;
     Logger systemLog_;
-    StandInZoneEditorController zoneEditor_;
+    GridEditorController zoneEditor_;
     LayoutSelectorController layoutSelector_;
     BackupSettingsController backupSettings_;
     RestoreSettingsController restoreSettings_;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/ports/display_services.h"
 #include "app/ports/shell_windows.h"
 
 #include <QString>
@@ -25,16 +24,6 @@ protected:
 private:
     QString type_;
     LogSink log_;
-};
-
-class StandInZoneEditorController final : public StandInController {
-public:
-    explicit StandInZoneEditorController(LogSink log)
-        : StandInController(QStringLiteral("StandInZoneEditorController"), std::move(log)) {}
-    void showEditorForMainDisplay() { called(QStringLiteral("showEditorForMainDisplay")); }
-    void showEditor(DisplayId displayId) {
-        called(QStringLiteral("showEditor"), QStringLiteral("displayId=%1").arg(displayId));
-    }
 };
 
 class StandInQuickStartController final : public StandInController {
