@@ -40,7 +40,7 @@ QColor withAlpha(QColor color, double alpha) {
 
 const char* const kPanelStyle = R"(
 QFrame#editorPanel {
-    background: rgba(30, 35, 44, 242);
+    background: rgb(30, 35, 44);
     border: 1px solid rgba(255, 255, 255, 46);
     border-radius: 12px;
 }
@@ -145,14 +145,14 @@ void GridEditorOverlayView::buildPanel() {
 
     nameField_ = new QLineEdit(panel);
     nameField_->setPlaceholderText(QStringLiteral("Layout name"));
-    nameField_->setMinimumWidth(220);
+    nameField_->setMinimumWidth(160);
     connect(nameField_, &QLineEdit::textEdited, this, [this](const QString& text) {
         model_.setName(text);
         refreshButtons();
     });
 
     layoutPopup_ = new QComboBox(panel);
-    layoutPopup_->setMinimumWidth(150);
+    layoutPopup_->setMinimumWidth(120);
     layoutPopup_->setToolTip(QStringLiteral("Edit another layout of this display"));
     connect(layoutPopup_, &QComboBox::activated, this,
             [this](int index) { model_.selectLayout(layoutPopup_->itemData(index).toString()); });
@@ -192,8 +192,8 @@ void GridEditorOverlayView::buildPanel() {
     // Keys and modifiers in the platform's own words (Escape 53, Return 36).
     const PlatformWords words = PlatformWords::current();
     auto* hint = new QLabel(
-        QStringLiteral("Click to add a line (%1: vertical) \u00B7 Drag a line to move it \u00B7 "
-                       "Right-click a line to remove it\n%2 cancels \u00B7 %3 saves")
+        QStringLiteral("Click to add a line (%1: vertical) \u00B7 Drag a line to move it\n"
+                       "Right-click a line to remove it \u00B7 %2 cancels \u00B7 %3 saves")
             .arg(words.modifierName(modifier_bits::kShift),
                  words.fixedKeyName(53).value_or(QString()),
                  words.fixedKeyName(36).value_or(QString())),
@@ -438,10 +438,19 @@ void GridEditorOverlayView::paintEvent(QPaintEvent*) {
         painter.setPen(QPen(QColor(255, 255, 255, 60), 1.0));
         painter.setBrush(QColor(255, 255, 255, 14));
         painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
-        if (rect.width() > metrics.horizontalAdvance(zone.label) + 16 &&
-            rect.height() > metrics.height() + 8) {
+        // A size the header would cover is shown in the part of the zone below it.
+        QRectF labelArea = rect;
+        const QRectF header = QRectF(panel_->geometry()).adjusted(0, 0, 0, 8);
+        const QSizeF labelSize(metrics.horizontalAdvance(zone.label), metrics.height());
+        QRectF label(QPointF(), labelSize);
+        label.moveCenter(rect.center());
+        if (label.intersects(header)) {
+            labelArea.setTop(std::max(rect.top(), header.bottom()));
+        }
+        if (labelArea.width() > labelSize.width() + 16 &&
+            labelArea.height() > labelSize.height() + 8) {
             painter.setPen(QColor(255, 255, 255, 180));
-            painter.drawText(rect, Qt::AlignCenter, zone.label);
+            painter.drawText(labelArea, Qt::AlignCenter, zone.label);
         }
     }
 
