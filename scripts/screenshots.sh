@@ -7,6 +7,7 @@
 #   layout-hud.png  the heads-up display naming the next layout
 #   restore-preview.png  "Restore Settings?" for a backup with layouts on two displays
 #   preferences.png  the preferences window
+#   zone-editor.png the zone editor over the left monitor, a line picked up and being dragged
 #   quick-start-welcome.png, quick-start-create-layout.png, quick-start-snap.png
 #                   the quick start guide's three pages, as a first start shows it
 #   permission-coach-linux.png  the coach an X server without XInput 2.1 gets, shown by
@@ -210,6 +211,41 @@ wait_for "xdotool search --onlyvisible --name '^Preferences\$'"
 sleep 0.5
 preferences=$(xdotool search --onlyvisible --name '^Preferences$' | head -n 1)
 import -frame -window "$preferences" "$out/preferences.png"
+xdotool key Escape
+
+# The zone editor over the left monitor. Opened once from the menu to learn that monitor's id, then
+# given a layout there; its vertical line hovered, pressed and dragged to the right: the band shows
+# where the line was, the blue line where it goes, the zones their sizes with it in place.
+wait_for '(($(agent_windows) == 1))'
+editor_shown() { xdotool search --onlyvisible --name '^Paneforge Zone Editor$'; }
+open_menu
+xdotool key Down Down Down Down Down Right Return
+wait_for editor_shown
+xdotool key Escape
+wait_for '! editor_shown'
+left_display=$(grep -o 'GridEditorController.showEditor displayId=[0-9]* display=[^ ]*' \
+  "$work/state/Paneforge/Paneforge.log" | tail -n 1 | sed 's/.* display=//')
+cat >"$work/config/Paneforge/config.json" <<JSON
+{"displays":{"$left_display":{"activeLayoutId":"coding","layouts":[
+$(layout coding Coding 0.5 0.62),
+$(layout halves Halves "" 0.5)]}},
+"defaultLayout":$(layout default Default "" 0.5),"cellMarginPoints":8}
+JSON
+wait_for '(($(agent_windows) == 1))'
+open_menu
+xdotool key Down Down Down Down Down Right Return
+wait_for editor_shown
+xdotool mousemove 590 760
+sleep 0.2
+xdotool mousemove 595 760 mousedown 1
+sleep 0.2
+xdotool mousemove 640 760
+sleep 0.2
+xdotool mousemove 650 760
+sleep 0.5
+import -window root -crop 960x1080+0+0 +repage "$out/zone-editor.png"
+xdotool key Escape mouseup 1
+wait_for '! editor_shown'
 
 # The permission coach with its Linux text.
 "$build/tools/coach_preview/paneforge-coach-preview" &
@@ -220,4 +256,5 @@ coach=$(xdotool search --onlyvisible --name '^Paneforge$' | head -n 1)
 import -frame -window "$coach" "$out/permission-coach-linux.png"
 xdotool key Escape
 
-echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png, restore-preview.png, preferences.png, quick-start-*.png and permission-coach-linux.png"
+echo "screenshots: wrote $out/tray-menu.png, about.png, layout-selector.png, layout-hud.png," \
+  "restore-preview.png, preferences.png, zone-editor.png, quick-start-*.png and permission-coach-linux.png"

@@ -14,6 +14,9 @@ public:
         : nativeWindows_(nativeWindows) {}
 
     void showInformational(const QString& title, const QString& message) override;
+    // A warning box above every window (the zone editor's included), application-modal, with
+    // the confirming button first; Escape cancels.
+    void confirm(const AlertConfirmation& question, std::function<void(bool)> answered) override;
 
 private:
     NativeWindows& nativeWindows_;

@@ -13,12 +13,14 @@ namespace paneforge {
 
 namespace {
 
+QRectF primaryScreenGeometry() {
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    return primary ? QRectF(primary->geometry()) : QRectF();
+}
+
 SnapOverlayEnvironment overlayEnvironment(NativeWindows& nativeWindows) {
     SnapOverlayEnvironment environment;
-    environment.primaryScreenGeometry = [] {
-        const QScreen* primary = QGuiApplication::primaryScreen();
-        return primary ? QRectF(primary->geometry()) : QRectF();
-    };
+    environment.primaryScreenGeometry = primaryScreenGeometry;
     environment.translucencyAvailable = [&nativeWindows] {
         return nativeWindows.compositingAvailable();
     };
@@ -35,6 +37,7 @@ QtViewFactory::QtViewFactory(NativeWindows& nativeWindows,
     : nativeWindows_(nativeWindows)
     , fileLog_(std::move(fileLog))
     , snapOverlays_(overlayEnvironment(nativeWindows))
+    , gridEditors_(GridEditorEnvironment{nativeWindows, primaryScreenGeometry})
     , alerts_(nativeWindows) {}
 
 std::unique_ptr<StatusItemView> QtViewFactory::makeStatusItem(StatusMenuActions actions) {

@@ -2,6 +2,7 @@
 
 #include "app/ports/native_windows.h"
 #include "app/ports/view_factory.h"
+#include "ui/grid_editor_window.h"
 #include "ui/layout_switch_views.h"
 #include "ui/qt_alert_presenter.h"
 #include "ui/qt_backup_views.h"
@@ -18,6 +19,7 @@ public:
     QtViewFactory(NativeWindows& nativeWindows, std::function<void(const QString&)> fileLog);
 
     SnapOverlayFactory& snapOverlays() override { return snapOverlays_; }
+    GridEditorWindowFactory& gridEditors() override { return gridEditors_; }
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override;
     std::unique_ptr<ShellWindow> makeAboutWindow() override;
     std::unique_ptr<PreferencesView> makePreferencesView(PreferencesFormEvents& events) override;
@@ -34,6 +36,7 @@ private:
     NativeWindows& nativeWindows_;
     std::function<void(const QString&)> fileLog_;
     QtSnapOverlayFactory snapOverlays_;
+    QtGridEditorWindowFactory gridEditors_;
     QtAlertPresenter alerts_;
     QtKeyDownMonitor keyDownMonitor_;
     QtLayoutSwitchViews layoutSwitchViews_{nativeWindows_};

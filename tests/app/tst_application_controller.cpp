@@ -170,8 +170,8 @@ void ApplicationControllerTest::hotkeysTriggerTheirActions_data() {
     QTest::addColumn<uint>("id");
     QTest::addColumn<bool>("preferencesOpen");
     QTest::addColumn<QString>("effect"); // empty: the focused window moves to the next display
-    QTest::newRow("open editor") << 1u << false
-                                 << "StandInZoneEditorController.showEditorForMainDisplay";
+    // On the display under the pointer.
+    QTest::newRow("open editor") << 1u << false << "GridEditorController.showEditor displayId=1 ";
     // Not over the preferences, where the user may be recording a hot key.
     QTest::newRow("open editor over the preferences")
         << 1u << true << "ApplicationController.handleOpenEditorHotkey";
@@ -342,8 +342,13 @@ void ApplicationControllerTest::zoneEditorSubmenuListsTheDisplays() {
     QCOMPARE(displays[1].title, QStringLiteral("4294967280"));
     QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
     app.views.statusMenu->openZoneEditorForDisplay(0xFFFFFFF0u);
-    QVERIFY(app.log.contains(QStringLiteral(
-        "StandInZoneEditorController.showEditor displayId=4294967280: not built yet")));
+    QVERIFY2(app.log.last().startsWith(
+                 QStringLiteral("GridEditorController.showEditor displayId=4294967280 display=") +
+                 fakes::Desk::identifierFor(0xFFFFFFF0u).stableId()),
+             qPrintable(app.log.join('\n')));
+    QCOMPARE(app.views.editors.open().size(), std::size_t{1});
+    QCOMPARE(app.views.editors.open().front()->model->visibleFrame(),
+             DesktopRect(1440, 0, 1440, 900));
     // Displays connected later show up at the next opening.
     app.platform.desk.addScreen(5, {0, 900, 1440, 900}, {0, 900, 1440, 900});
     QCOMPARE(app.views.statusMenu->displays().size(), std::size_t{3});

@@ -208,9 +208,60 @@ private:
 class Alerts final : public AlertPresenter {
 public:
     Journal journal;
+    // The answer to the last question asked, for the test to give.
+    std::function<void(bool)> answer;
     void showInformational(const QString& title, const QString& message) override {
         journal(QStringLiteral("alert %1: %2").arg(title, message));
     }
+    void confirm(const AlertConfirmation& question, std::function<void(bool)> answered) override {
+        journal(QStringLiteral("confirm %1 %2 [%3|%4]")
+                    .arg(question.message, question.informativeText, question.confirmButton,
+                         question.cancelButton));
+        answer = std::move(answered);
+    }
+};
+
+// Editor windows that only remember what happened to them; the test drives their models.
+struct EditorWindowRecord {
+    GridEditorModel* model = nullptr;
+    bool shown = false;
+    bool closed = false;
+    bool destroyed = false;
+};
+
+class EditorWindows final : public GridEditorWindowFactory {
+public:
+    std::vector<std::shared_ptr<EditorWindowRecord>> made;
+
+    std::unique_ptr<GridEditorWindow> makeGridEditorWindow(GridEditorModel& model) override {
+        auto record = std::make_shared<EditorWindowRecord>();
+        record->model = &model;
+        made.push_back(record);
+        return std::make_unique<Window>(record);
+    }
+    // The editors on screen.
+    std::vector<EditorWindowRecord*> open() const {
+        std::vector<EditorWindowRecord*> result;
+        for (const auto& record : made) {
+            if (record->shown && !record->closed) {
+                result.push_back(record.get());
+            }
+        }
+        return result;
+    }
+
+private:
+    class Window final : public GridEditorWindow {
+    public:
+        explicit Window(std::shared_ptr<EditorWindowRecord> record)
+            : record_(std::move(record)) {}
+        ~Window() override { record_->destroyed = true; }
+        void show() override { record_->shown = true; }
+        void close() override { record_->closed = true; }
+
+    private:
+        std::shared_ptr<EditorWindowRecord> record_;
+    };
 };
 
 // The backup windows, answering as scripted: the chosen files and whether Restore is pressed.
@@ -312,6 +363,7 @@ private:
 class Views final : public ViewFactory {
 public:
     Overlays overlays;
+    EditorWindows editors;
     KeyDownMonitor keyMonitor;
     Alerts alertBoxes;
     LayoutSwitchScreen layoutSwitch;
@@ -324,6 +376,7 @@ public:
     std::optional<QString> keyWindow;
 
     SnapOverlayFactory& snapOverlays() override { return overlays; }
+    GridEditorWindowFactory& gridEditors() override { return editors; }
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override {
         ++statusItemsMade;
         statusMenu = std::move(actions);

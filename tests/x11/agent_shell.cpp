@@ -268,13 +268,22 @@ void AgentShellTest::restoreFromTheMenuShowsThePreviewFirst() {
 }
 
 void AgentShellTest::trayMenuRowsReachTheirFeatures() {
-    // Rows counted from the top: the fifth, "Zone Editor…", opens its submenu of displays.
-    const int before = agent_.logCount("StandInZoneEditorController.showEditor ");
+    // Rows counted from the top: the fifth, "Zone Editor…", opens its submenu of displays; the
+    // editor takes the keyboard, and Escape closes it.
+    const int before = agent_.logCount("GridEditorController.showEditor ");
     QVERIFY(chooseFromTrayMenu("Down Down Down Down Down Right Down Return"));
-    QVERIFY2(agent_.waitForLog("StandInZoneEditorController.showEditor ", before),
+    QVERIFY2(agent_.waitForLog("GridEditorController.showEditor ", before),
              qPrintable(agent_.logText()));
     const auto displays = displays_.getActiveDisplays();
-    QVERIFY(agent_.logText().contains(QString("showEditor displayId=%1:").arg(displays.at(1))));
+    QVERIFY(agent_.logText().contains(QString("showEditor displayId=%1 ").arg(displays.at(1))));
+    QStringList editor;
+    QVERIFY(X11TestSession::waitUntil([&] {
+        editor = visibleAgentWindows("^Paneforge Zone Editor$");
+        return editor.size() == 1 && activeWindow() == editor.front().toUInt();
+    }));
+    QVERIFY(xdotool({"key", "Escape"}));
+    QVERIFY(X11TestSession::waitUntil(
+        [&] { return visibleAgentWindows("^Paneforge Zone Editor$").isEmpty(); }));
 
     // The fourth row moves the focused window, like its hot key.
     QVERIFY(activate(xterm_));

@@ -1,9 +1,11 @@
 // The real agent under Xvfb and openbox: windows dragged by their title bar with xdotool, a snap
-// combination pressed mid-drag, and the window's outer frame checked where it lands. Built three
-// times: one monitor without a compositor or tray, one with both, and two monitors.
+// combination pressed mid-drag, and the window's outer frame checked where it lands; on two
+// monitors also a layout drawn in the zone editor with the mouse and snapped to at once. Built
+// three times: one monitor without a compositor or tray, one with both, and two monitors.
 
 #include "core/config/config_store.h"
 #include "core/diagnostics/snap_diagnostic_formatter.h"
+#include "core/layouts/display_layout_service.h"
 #include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
 #include "platform/x11/x11_window_service.h"
@@ -62,6 +64,7 @@ private Q_SLOTS:
     void eachMonitorSnapsToItsOwnLayout();
     void nextLayoutHotkeySwitchesThePointersMonitor();
     void selectorBackdropClosesOnAClick();
+    void zoneEditorDrawsALayoutThatSnapsAtOnce();
     void hostileConfigurations_data();
     void hostileConfigurations();
     void cleanupTestCase();
@@ -177,9 +180,12 @@ void AgentSnappingTest::initTestCase() {
         displays.insert_or_assign(displays_.getIdentifier(*right).stableId(),
                                   DisplayLayouts("rows", {rows, quarters}));
     }
-    // Control+Option+N (key code 45): the next layout; Control+Option+L (37): the selector.
+    // Control+Option+N (key code 45): the next layout; Control+Option+L (37): the selector;
+    // Control+Option+E (14): the zone editor.
     config_ = PaneforgeConfig::makeDefault()
                   .copying(displays, quarters, kTwoMonitors ? 0.0 : 10.0)
+                  .withOpenEditorHotkey(
+                      HotkeyDefinition{14, modifier_bits::kControl | modifier_bits::kOption})
                   .withNextLayoutHotkey(
                       HotkeyDefinition{45, modifier_bits::kControl | modifier_bits::kOption})
                   .withOpenLayoutSelectorHotkey(
@@ -364,6 +370,75 @@ void AgentSnappingTest::selectorBackdropClosesOnAClick() {
     }));
 }
 
+void AgentSnappingTest::zoneEditorDrawsALayoutThatSnapsAtOnce() {
+    // The right monitor's layout has one horizontal line; its editor opens there, over root
+    // (960, 0) 960 x 1080, with the keyboard.
+    const auto right = displays_.getDisplayId({970, 10});
+    QVERIFY(right);
+    const QString rightId = displays_.getIdentifier(*right).stableId();
+    QVERIFY(moveTo(QPoint(1400, 600)));
+    QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+e")}));
+    QString editor;
+    QVERIFY2(X11TestSession::waitUntil([&] {
+                 session_.run(QStringLiteral("xdotool"),
+                              {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                               QStringLiteral("--name"), QStringLiteral("^Paneforge Zone Editor$")},
+                              &editor);
+                 const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
+                 return !editor.trimmed().isEmpty() && !active.empty() &&
+                        editor.trimmed() == QString::number(active.front());
+             }),
+             qPrintable(logText()));
+    QString geometry;
+    QVERIFY(session_.run("xdotool", {"getwindowgeometry", editor.trimmed()}, &geometry));
+    QVERIFY2(geometry.contains("Position: 960,0") && geometry.contains("Geometry: 960x1080"),
+             qPrintable(geometry));
+    const auto click = [this](int x, int y, const QString& button) {
+        return xdotool({"mousemove", QString::number(x), QString::number(y), "click", button});
+    };
+    // Two vertical lines (Shift), one horizontal line, and a right click removes the second
+    // vertical line again.
+    QVERIFY(xdotool({"keydown", "shift"}));
+    QVERIFY(click(1200, 800, "1") && click(1680, 800, "1"));
+    QVERIFY(xdotool({"keyup", "shift"}));
+    QVERIFY(click(1400, 810, "1"));
+    QVERIFY(click(1680, 300, "3"));
+    // The old name is selected: typing replaces it.
+    QVERIFY(xdotool({"type", "Desk"}) && xdotool({"key", "Return"}));
+    QVERIFY2(X11TestSession::waitUntil([&] {
+                 QString output;
+                 session_.run(QStringLiteral("xdotool"),
+                              {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                               QStringLiteral("--name"), QStringLiteral("^Paneforge Zone Editor$")},
+                              &output);
+                 return output.trimmed().isEmpty();
+             }),
+             qPrintable(logText()));
+
+    const PaneforgeConfig saved = ConfigStore(LoggerFactory::makeLogger("Test"), [this] {
+                                      return agent_.configHome();
+                                  }).loadConfig();
+    const auto active = DisplayLayoutService().getActiveLayout(saved, rightId);
+    QVERIFY(active);
+    const QString drawn = QString("%1 v=%2 h=%3")
+                              .arg(active->name())
+                              .arg(active->verticalSplits().size())
+                              .arg(active->horizontalSplits().size());
+    QCOMPARE(drawn, QString("Desk v=1 h=2"));
+    QVERIFY(std::abs(active->verticalSplits()[0] - 0.25) < 0.002);
+    QVERIFY(std::abs(active->horizontalSplits()[1] - 0.75) < 0.002);
+
+    // The next snap there takes the new zones: the bottom-right one is root (1200, 810) 720 x 270.
+    QVERIFY2(grabTitleBarAndPress(QStringLiteral("super"),
+                                  QStringLiteral("updateOverlayState match modifiers=256")),
+             qPrintable(logText()));
+    QVERIFY(moveTo(QPoint(1500, 950)));
+    QVERIFY(moveTo(QPoint(1502, 952)));
+    releaseButtonAndKeys(QStringLiteral("super"));
+    QVERIFY2(waitForFrame(fromRoot(1200, 810, 720, 270)),
+             qPrintable(describe(frame()) + "\n" + logText()));
+}
+
 // Whatever is at the configuration path, a snap ends promptly and sanely: a named pipe or a device
 // is refused rather than read (a pipe froze the agent, a device filled its memory), and a margin
 // of any size leaves the window on the desktop or where it was.
@@ -451,7 +526,8 @@ int main(int argc, char** argv) {
         }
         if (kTwoMonitors) {
             arguments << "eachMonitorSnapsToItsOwnLayout"
-                      << "nextLayoutHotkeySwitchesThePointersMonitor";
+                      << "nextLayoutHotkeySwitchesThePointersMonitor"
+                      << "zoneEditorDrawsALayoutThatSnapsAtOnce";
         } else if (kComposited) {
             // Only the overlay's window, the selector's backdrop and the tray differ from the
             // plain desk: one snap and one selector show them.

@@ -15,6 +15,10 @@ public:
     // The snap overlay: above everything, on every space and beside full-screen windows, never
     // taking the keyboard.
     virtual void configureOverlayWindow(NativeWindowId window) = 0;
+    // The zone editor: above other windows, on every space and beside full-screen windows, but
+    // taking the mouse and the keyboard. Nothing to add where the toolkit's stays-on-top hint
+    // does all that (X11).
+    virtual void configureEditorWindow(NativeWindowId) {}
     // A window that must come to the front and take the keyboard at once (editor, selector,
     // preferences), even though Paneforge is a background agent that the user never clicked.
     virtual void activate(NativeWindowId window) = 0;

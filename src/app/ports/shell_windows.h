@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 namespace paneforge {
 
@@ -14,11 +15,22 @@ public:
     virtual bool isVisible() const = 0;
 };
 
-// Short informational messages, one button, in front of everything.
+// A question with a confirming and a cancelling button (the confirming one first).
+struct AlertConfirmation {
+    QString message;
+    QString informativeText;
+    QString confirmButton;
+    QString cancelButton;
+};
+
+// Short messages in front of everything. They never block: the answer to a question comes later.
 class AlertPresenter {
 public:
     virtual ~AlertPresenter() = default;
+    // One button.
     virtual void showInformational(const QString& title, const QString& message) = 0;
+    // A warning; `answered` gets true only for the confirming button.
+    virtual void confirm(const AlertConfirmation& question, std::function<void(bool)> answered) = 0;
 };
 
 } // namespace paneforge

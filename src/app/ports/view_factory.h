@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ports/backup_views.h"
+#include "app/ports/grid_editor_view.h"
 #include "app/ports/key_down_monitor_api.h"
 #include "app/ports/layout_switch_views.h"
 #include "app/ports/onboarding_views.h"
@@ -22,6 +23,7 @@ public:
     virtual ~ViewFactory() = default;
 
     virtual SnapOverlayFactory& snapOverlays() = 0;
+    virtual GridEditorWindowFactory& gridEditors() = 0;
     virtual std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) = 0;
     // "About Paneforge": the name, the version and what Paneforge does.
     virtual std::unique_ptr<ShellWindow> makeAboutWindow() = 0;

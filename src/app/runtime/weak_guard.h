@@ -25,6 +25,17 @@ public:
         };
     }
 
+    // `body(owner, args...)` while the owner lives, else `fallback`: for callbacks that answer.
+    template <typename Result, typename Body> auto wrapOr(Result fallback, Body body) const {
+        return [weak = std::weak_ptr<Owner*>(token_), fallback = std::move(fallback),
+                body = std::move(body)](auto&&... args) -> Result {
+            if (const auto owner = weak.lock()) {
+                return body(**owner, std::forward<decltype(args)>(args)...);
+            }
+            return fallback;
+        };
+    }
+
 private:
     std::shared_ptr<Owner*> token_;
 };

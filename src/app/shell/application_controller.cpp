@@ -10,7 +10,10 @@ namespace paneforge {
 ApplicationController::ApplicationController(ApplicationServices services)
     : services_(std::move(services))
     , systemLog_(LoggerFactory::makeLogger(QStringLiteral("ApplicationController")))
-    , zoneEditor_(services_.fileLog)
+    , zoneEditor_(GridEditorServices{services_.configStore, services_.platform.displays(),
+                                     services_.platform.displayFrames(),
+                                     services_.views.gridEditors(), services_.views.alerts(),
+                                     services_.scheduler, services_.fileLog})
     , layoutSelector_(layoutSwitchServices())
     , backupSettings_(
           services_.configStore, services_.views.backupViews(), QStringLiteral(PANEFORGE_VERSION),

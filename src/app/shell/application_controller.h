@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/backup/settings_backup_controllers.h"
+#include "app/editor/grid_editor_controller.h"
 #include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "app/input/hotkey_slots.h"
@@ -13,7 +14,6 @@
 #include "app/runtime/config_file_watcher.h"
 #include "app/runtime/notification_center.h"
 #include "app/runtime/process_command_runner.h"
-#include "app/shell/stand_in_controllers.h"
 #include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
 #include "app/switching/layout_selector_controller.h"
@@ -91,7 +91,7 @@ private:
 
     ApplicationServices services_;
     Logger systemLog_;
-    StandInZoneEditorController zoneEditor_;
+    GridEditorController zoneEditor_;
     LayoutSelectorController layoutSelector_;
     BackupSettingsController backupSettings_;
     RestoreSettingsController restoreSettings_;

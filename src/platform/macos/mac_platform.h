@@ -18,6 +18,7 @@ namespace paneforge {
 class MacNativeWindows final : public NativeWindows {
 public:
     void configureOverlayWindow(NativeWindowId window) override;
+    void configureEditorWindow(NativeWindowId window) override;
     void activate(NativeWindowId window) override;
     // The window server always composites.
     bool compositingAvailable() override { return true; }

@@ -10,6 +10,10 @@ void MacNativeWindows::configureOverlayWindow(NativeWindowId window) {
     configureOverlayNativeWindow(window);
 }
 
+void MacNativeWindows::configureEditorWindow(NativeWindowId window) {
+    configureEditorNativeWindow(window);
+}
+
 void MacNativeWindows::activate(NativeWindowId window) {
     // QWidget::winId() is the widget's NSView.
     NSView* view = reinterpret_cast<NSView*>(window);
