@@ -4,35 +4,43 @@
 
 namespace paneforge {
 
-void configureOverlayNativeWindow(quintptr nativeView) {
-    NSView* view = reinterpret_cast<NSView*>(nativeView);
-    NSWindow* window = view.window;
-    if (window == nil) {
-        return;
-    }
-    // NSWindow.h: level (NSWindowLevel), collectionBehavior (NSWindowCollectionBehavior),
-    // hasShadow, ignoresMouseEvents, opaque, backgroundColor.
+namespace {
+
+// Above ordinary windows, on every space and beside full-screen applications, without a shadow.
+// NSWindow.h: level (NSWindowLevel), collectionBehavior (NSWindowCollectionBehavior), hasShadow.
+void floatOnEverySpace(NSWindow* window) {
     window.level = NSFloatingWindowLevel;
     window.collectionBehavior = NSWindowCollectionBehaviorCanJoinAllSpaces |
                                 NSWindowCollectionBehaviorFullScreenAuxiliary; // 0x101
     window.hasShadow = NO;
+}
+
+NSWindow* windowOf(quintptr nativeView) {
+    return reinterpret_cast<NSView*>(nativeView).window;
+}
+
+} // namespace
+
+void configureOverlayNativeWindow(quintptr nativeView) {
+    NSWindow* window = windowOf(nativeView);
+    if (window == nil) {
+        return;
+    }
+    floatOnEverySpace(window);
+    // NSWindow.h: ignoresMouseEvents, opaque, backgroundColor.
     window.ignoresMouseEvents = YES;
     window.opaque = NO;
     window.backgroundColor = NSColor.clearColor;
 }
 
 void configureEditorNativeWindow(quintptr nativeView) {
-    NSView* view = reinterpret_cast<NSView*>(nativeView);
-    NSWindow* window = view.window;
+    NSWindow* window = windowOf(nativeView);
     if (window == nil) {
         return;
     }
-    // NSWindow.h: level, collectionBehavior, hasShadow, ignoresMouseEvents. A borderless window
-    // becomes key only when asked; Qt's frameless window already answers canBecomeKeyWindow.
-    window.level = NSFloatingWindowLevel;
-    window.collectionBehavior = NSWindowCollectionBehaviorCanJoinAllSpaces |
-                                NSWindowCollectionBehaviorFullScreenAuxiliary; // 0x101
-    window.hasShadow = NO;
+    // A borderless window becomes key only when asked; Qt's frameless window already answers
+    // canBecomeKeyWindow.
+    floatOnEverySpace(window);
     window.ignoresMouseEvents = NO;
 }
 
