@@ -186,6 +186,28 @@ QProcess* X11TestSession::startProcess(const QString& program, const QStringList
     return launch(program, arguments, extra, false);
 }
 
+std::uint32_t X11TestSession::activeWindow() const {
+    const auto active = rootCardinals("_NET_ACTIVE_WINDOW");
+    return active.empty() ? 0 : active.front();
+}
+
+bool X11TestSession::activate(std::uint32_t window) {
+    return run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
+                                           QStringLiteral("--sync"), QString::number(window)}) &&
+           waitUntil([&] { return activeWindow() == window; });
+}
+
+QStringList X11TestSession::visibleWindows(const QString& className, const QString& name) {
+    QString output;
+    run(QStringLiteral("xdotool"),
+        name.isEmpty() ? QStringList{QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                     QStringLiteral("--classname"), className}
+                       : QStringList{QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                     QStringLiteral("--name"), name},
+        &output);
+    return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
 std::vector<std::uint32_t> X11TestSession::rootCardinals(const char* property) const {
     std::vector<std::uint32_t> values;
     if (!connection_) {

@@ -47,6 +47,13 @@ public:
 
     std::vector<std::uint32_t> clientList() const;
     std::vector<std::uint32_t> rootCardinals(const char* property) const;
+    // The window manager's active window, or 0.
+    std::uint32_t activeWindow() const;
+    // Asks the window manager to activate `window` and waits until it is the active one.
+    bool activate(std::uint32_t window);
+    // The mapped windows xdotool finds by class name, or by title when `name` is given (a
+    // regular expression).
+    QStringList visibleWindows(const QString& className, const QString& name = {});
 
     // Polls `condition` until it holds or `timeout` passes.
     static bool waitUntil(const std::function<bool()>& condition,

@@ -39,10 +39,7 @@ private:
             return guide.size() == 1 && activeWindow() == guide.front().toUInt();
         });
     }
-    std::uint32_t activeWindow() const {
-        const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
-        return active.empty() ? 0 : active.front();
-    }
+    std::uint32_t activeWindow() const { return session_.activeWindow(); }
     ConfigStore store() const {
         return ConfigStore(LoggerFactory::makeLogger("Test"),
                            [this] { return agent_.configHome(); });

@@ -60,20 +60,10 @@ private:
     }
     // Paneforge's mapped windows: the tray icon, and its menus or windows while they are open.
     QStringList visibleAgentWindows(const QString& name = {}) {
-        QString output;
-        xdotool(name.isEmpty() ? QStringList{"search", "--onlyvisible", "--classname", "paneforge"}
-                               : QStringList{"search", "--onlyvisible", "--name", name},
-                &output);
-        return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        return session_.visibleWindows("paneforge", name);
     }
-    std::uint32_t activeWindow() const {
-        const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
-        return active.empty() ? 0 : active.front();
-    }
-    bool activate(std::uint32_t window) {
-        return xdotool({"windowactivate", "--sync", QString::number(window)}) &&
-               X11TestSession::waitUntil([&] { return activeWindow() == window; });
-    }
+    std::uint32_t activeWindow() const { return session_.activeWindow(); }
+    bool activate(std::uint32_t window) { return session_.activate(window); }
     // Clicks the tray icon and walks the menu with `keys` ("Down Right Return").
     bool chooseFromTrayMenu(const QString& keys);
     // The command line with the agent's configuration folder; its exit code, or -1.

@@ -100,21 +100,14 @@ private:
     void releaseButtonAndKeys(const QString& keys);
     // The zone overlay, if it is mapped.
     bool overlayWindow(QString* id) {
-        QString output;
-        const bool found = session_.run(
-            "xdotool", {"search", "--onlyvisible", "--name", "^Paneforge Zones$"}, &output);
+        const QStringList found = session_.visibleWindows({}, "^Paneforge Zones$");
         if (id) {
-            *id = output.section(QLatin1Char('\n'), 0, 0);
+            *id = found.value(0);
         }
-        return found && !output.trimmed().isEmpty();
+        return !found.isEmpty();
     }
     bool headsUpDisplayShown() {
-        QString output;
-        session_.run(QStringLiteral("xdotool"),
-                     {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                      QStringLiteral("--name"), QStringLiteral("^Paneforge Layout$")},
-                     &output);
-        return !output.trimmed().isEmpty();
+        return !session_.visibleWindows({}, "^Paneforge Layout$").isEmpty();
     }
     std::optional<DesktopRect> frame() { return windows_.frame(X11WindowService::wrap(logo_)); }
     bool waitForFrame(const DesktopRect& expected) {
@@ -304,11 +297,7 @@ void AgentSnappingTest::nextLayoutHotkeySwitchesThePointersMonitor() {
     const auto left = displays_.getDisplayId({10, 10});
     QVERIFY(left);
     const QString leftId = displays_.getIdentifier(*left).stableId();
-    const auto activeWindow = [this] {
-        const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
-        return active.empty() ? 0 : active.front();
-    };
-    const auto before = activeWindow();
+    const auto before = session_.activeWindow();
     QVERIFY(moveTo(QPoint(300, 500)));
     const int cycles = logCount(QStringLiteral("LayoutCycleController.cycleNext "));
     QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+n")}));
@@ -322,7 +311,7 @@ void AgentSnappingTest::nextLayoutHotkeySwitchesThePointersMonitor() {
     QCOMPARE(saved.displays().at(leftId).activeLayoutId(), QStringLiteral("rows"));
     // The heads-up display names it without taking the keyboard, and leaves a second later.
     QVERIFY(X11TestSession::waitUntil([&] { return headsUpDisplayShown(); }));
-    QCOMPARE(activeWindow(), before);
+    QCOMPARE(session_.activeWindow(), before);
     QVERIFY(X11TestSession::waitUntil([&] { return !headsUpDisplayShown(); }));
 
     // The next snap on that monitor takes its rows: the bottom one is root (0, 540) 960 x 540.
@@ -345,17 +334,11 @@ void AgentSnappingTest::selectorBackdropClosesOnAClick() {
     QVERIFY(xdotool({QStringLiteral("mousemove"), QStringLiteral("960"), QStringLiteral("300")}));
     QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+l")}));
     const auto shown = [this](const char* name) {
-        QString output;
-        session_.run(QStringLiteral("xdotool"),
-                     {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                      QStringLiteral("--name"), QString::fromLatin1(name)},
-                     &output);
-        return output.trimmed();
+        return session_.visibleWindows({}, QString::fromLatin1(name)).join(QLatin1Char(' '));
     };
     QVERIFY2(X11TestSession::waitUntil([&] {
-                 const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
-                 return !shown("^Paneforge Layout Backdrop$").isEmpty() && !active.empty() &&
-                        shown("^Switch Layout$") == QString::number(active.front());
+                 return !shown("^Paneforge Layout Backdrop$").isEmpty() &&
+                        shown("^Switch Layout$") == QString::number(session_.activeWindow());
              }),
              qPrintable(logText()));
     const PaneforgeConfig saved = ConfigStore(LoggerFactory::makeLogger("Test"), [this] {
@@ -378,19 +361,15 @@ void AgentSnappingTest::zoneEditorDrawsALayoutThatSnapsAtOnce() {
     const QString rightId = displays_.getIdentifier(*right).stableId();
     QVERIFY(moveTo(QPoint(1400, 600)));
     QVERIFY(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+e")}));
-    QString editor;
+    QStringList editor;
     QVERIFY2(X11TestSession::waitUntil([&] {
-                 session_.run(QStringLiteral("xdotool"),
-                              {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                               QStringLiteral("--name"), QStringLiteral("^Paneforge Zone Editor$")},
-                              &editor);
-                 const auto active = session_.rootCardinals("_NET_ACTIVE_WINDOW");
-                 return !editor.trimmed().isEmpty() && !active.empty() &&
-                        editor.trimmed() == QString::number(active.front());
+                 editor = session_.visibleWindows({}, QStringLiteral("^Paneforge Zone Editor$"));
+                 return editor.size() == 1 &&
+                        editor.front() == QString::number(session_.activeWindow());
              }),
              qPrintable(logText()));
     QString geometry;
-    QVERIFY(session_.run("xdotool", {"getwindowgeometry", editor.trimmed()}, &geometry));
+    QVERIFY(session_.run("xdotool", {"getwindowgeometry", editor.front()}, &geometry));
     QVERIFY2(geometry.contains("Position: 960,0") && geometry.contains("Geometry: 960x1080"),
              qPrintable(geometry));
     const auto click = [this](int x, int y, const QString& button) {
