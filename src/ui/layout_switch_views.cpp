@@ -21,6 +21,19 @@ constexpr double kHUDCornerRadius = 14;
 constexpr double kHUDTextPixelSize = 24;
 constexpr double kPanelCornerRadius = 12;
 
+// A rounded plate in the window colour at `alpha` over a fully transparent window.
+void paintPlate(QPainter& painter, const QWidget& widget, float alpha, double cornerRadius) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(widget.rect(), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    QColor plate = widget.palette().color(QPalette::Window);
+    plate.setAlphaF(alpha);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(plate);
+    painter.drawRoundedRect(QRectF(widget.rect()), cornerRadius, cornerRadius);
+}
+
 // Closes its windows when dropped. They are deleted on the next turn of the event loop: the
 // controller drops them from inside their own key and mouse handlers.
 class QtLayoutSwitchWindow final : public LayoutSwitchWindow {
@@ -119,15 +132,7 @@ QString LayoutCycleHUDView::drawnText() const {
 
 void LayoutCycleHUDView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    QColor plate = palette().color(QPalette::Window);
-    plate.setAlphaF(0.92F);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(plate);
-    painter.drawRoundedRect(QRectF(rect()), kHUDCornerRadius, kHUDCornerRadius);
+    paintPlate(painter, *this, 0.92F, kHUDCornerRadius);
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(QRectF(rect()).adjusted(20, 10, -20, -10), Qt::AlignCenter, drawnText());
 }
@@ -177,15 +182,7 @@ bool LayoutSelectorView::focusNextPrevChild(bool) {
 
 void LayoutSelectorView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    QColor plate = palette().color(QPalette::Window);
-    plate.setAlphaF(0.96F);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(plate);
-    painter.drawRoundedRect(QRectF(rect()), kPanelCornerRadius, kPanelCornerRadius);
+    paintPlate(painter, *this, 0.96F, kPanelCornerRadius);
 
     const LayoutCardColors colors = LayoutCardColors::from(palette());
     for (int i = 0; i < model_.count(); ++i) {
