@@ -1,4 +1,5 @@
 #include "app/onboarding/quick_start_controller.h"
+#include "platform_fakes.h"
 #include "ui/onboarding/permission_coach_window.h"
 #include "ui/onboarding/quick_start_window.h"
 
@@ -9,14 +10,6 @@
 using namespace paneforge;
 
 namespace {
-
-class NoNativeWindows final : public NativeWindows {
-public:
-    int activations = 0;
-    void configureOverlayWindow(NativeWindowId) override {}
-    void activate(NativeWindowId) override { ++activations; }
-    bool compositingAvailable() override { return true; }
-};
 
 // The visible, enabled buttons by their titles.
 QStringList usableButtons(QWidget& window) {
@@ -51,14 +44,14 @@ void OnboardingWindowsTest::quickStartShowsEachPagesChrome_data() {
 
 void OnboardingWindowsTest::quickStartShowsEachPagesChrome() {
     QFETCH(int, index);
-    NoNativeWindows native;
+    fakes::NativeWindowsRecord native;
     int closings = 0;
     QuickStartActions actions;
     actions.closed = [&] { ++closings; };
     QuickStartWindow window(native, actions);
     window.showPage(QuickStartController::chrome(index));
     window.present();
-    QCOMPARE(native.activations, 1);
+    QCOMPARE(native.activated.size(), std::size_t{1});
     QStringList labels;
     for (const auto* label : window.findChildren<QLabel*>()) {
         labels << label->text();
@@ -74,7 +67,7 @@ void OnboardingWindowsTest::quickStartShowsEachPagesChrome() {
 }
 
 void OnboardingWindowsTest::coachTakesItsContentAndStaysPut() {
-    NoNativeWindows native;
+    fakes::NativeWindowsRecord native;
     int presses = 0;
     PermissionCoachWindow coach(native, [&] { ++presses; });
     coach.present({QStringLiteral("Permissions needed"), QStringLiteral("Message"),
@@ -84,7 +77,7 @@ void OnboardingWindowsTest::coachTakesItsContentAndStaysPut() {
     coach.present({QStringLiteral("Permissions needed"), QStringLiteral("Other"),
                    QStringLiteral("Open Input Monitoring")});
     QCOMPARE(coach.pos(), moved);
-    QCOMPARE(native.activations, 1);
+    QCOMPARE(native.activated.size(), std::size_t{1});
     QCOMPARE(usableButtons(coach), QStringList{"Open Input Monitoring*"});
     coach.findChild<QPushButton*>()->click();
     QCOMPARE(presses, 1);

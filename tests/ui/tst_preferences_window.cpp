@@ -4,6 +4,7 @@
 // nothing is cut off (also at 200 %, tst_preferences_window_scaled).
 
 #include "app/preferences/preferences_window_controller.h"
+#include "platform_fakes.h"
 #include "ui/preferences_window.h"
 #include "ui/qt_view_factory.h"
 
@@ -24,14 +25,6 @@
 using namespace paneforge;
 
 namespace {
-
-class Native final : public NativeWindows {
-public:
-    int activations = 0;
-    void configureOverlayWindow(NativeWindowId) override {}
-    void activate(NativeWindowId) override { ++activations; }
-    bool compositingAvailable() override { return true; }
-};
 
 class Logins final : public LoginItemService {
 public:
@@ -109,7 +102,7 @@ struct Fixture {
                       [this] { return directory.path(); }};
     NotificationCenter notifications;
     PreferencesController preferences{store, notifications};
-    Native native;
+    fakes::NativeWindowsRecord native;
     QtViewFactory views{native, [](const QString&) {}};
     Keyboard keyboard;
     Logins logins;
@@ -147,7 +140,7 @@ void PreferencesWindowTest::opensTitledWithTheKeyboard() {
     QDialog& dialog = f.dialog();
     QVERIFY(dialog.isVisible());
     QVERIFY(f.controller.isVisible());
-    QCOMPARE(f.native.activations, 1);
+    QCOMPARE(f.native.activated.size(), std::size_t{1});
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
     // The snap controller ignores events while this title has the keyboard.
     QCOMPARE(f.views.keyWindowTitle(), std::optional(QStringLiteral("Preferences")));
