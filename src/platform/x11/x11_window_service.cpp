@@ -36,11 +36,13 @@ struct TextProperty {
     QByteArray bytes;
 };
 
-std::optional<TextProperty> textProperty(X11Connection& x, xcb_window_t window, const char* name) {
+xcb_get_property_cookie_t askText(X11Connection& x, xcb_window_t window, const char* name) {
     // Any type: asking for one type gets an empty reply when the property has another.
-    auto reply = owned(xcb_get_property_reply(
-        x.raw(), xcb_get_property(x.raw(), 0, window, x.atom(name), XCB_ATOM_ANY, 0, 1 << 14),
-        nullptr));
+    return xcb_get_property(x.raw(), 0, window, x.atom(name), XCB_ATOM_ANY, 0, 1 << 14);
+}
+
+std::optional<TextProperty> takeText(X11Connection& x, xcb_get_property_cookie_t cookie) {
+    auto reply = owned(xcb_get_property_reply(x.raw(), cookie, nullptr));
     if (!reply || reply->type == XCB_ATOM_NONE || reply->format != 8) {
         return std::nullopt;
     }
@@ -71,24 +73,35 @@ QString fromCompoundText(const QByteArray& bytes) {
 }
 
 // The title a user sees: _NET_WM_NAME (always UTF-8) when set, else WM_NAME in whatever type its
-// client chose; many older clients (xterm, xlogo) set only WM_NAME, as a STRING.
-std::optional<QString> windowTitle(X11Connection& x, xcb_window_t window) {
-    const auto modern = textProperty(x, window, "_NET_WM_NAME");
-    if (modern && modern->type == x.atom("UTF8_STRING") && !modern->bytes.isEmpty()) {
-        return QString::fromUtf8(modern->bytes);
+// client chose; many older clients (xterm, xlogo) set only WM_NAME, as a STRING. Both are asked at
+// once, so reading a title costs one round trip whichever the client set.
+struct TitleRead {
+    TitleRead(X11Connection& x, xcb_window_t window)
+        : modern(askText(x, window, "_NET_WM_NAME"))
+        , legacy(askText(x, window, "WM_NAME")) {}
+
+    // Takes both replies, so none is left behind.
+    std::optional<QString> take(X11Connection& x) const {
+        const auto utf8 = takeText(x, modern);
+        const auto named = takeText(x, legacy);
+        if (utf8 && utf8->type == x.atom("UTF8_STRING") && !utf8->bytes.isEmpty()) {
+            return QString::fromUtf8(utf8->bytes);
+        }
+        if (!named || named->bytes.isEmpty()) {
+            return std::nullopt;
+        }
+        if (named->type == x.atom("UTF8_STRING")) {
+            return QString::fromUtf8(named->bytes);
+        }
+        if (named->type == x.atom("COMPOUND_TEXT")) {
+            return fromCompoundText(named->bytes);
+        }
+        return QString::fromLatin1(named->bytes); // STRING, or an unknown type read the same way
     }
-    const auto legacy = textProperty(x, window, "WM_NAME");
-    if (!legacy || legacy->bytes.isEmpty()) {
-        return std::nullopt;
-    }
-    if (legacy->type == x.atom("UTF8_STRING")) {
-        return QString::fromUtf8(legacy->bytes);
-    }
-    if (legacy->type == x.atom("COMPOUND_TEXT")) {
-        return fromCompoundText(legacy->bytes);
-    }
-    return QString::fromLatin1(legacy->bytes); // STRING, or an unknown type read the same way
-}
+
+    xcb_get_property_cookie_t modern;
+    xcb_get_property_cookie_t legacy;
+};
 
 // The outer frame in whole root pixels that a window may be given, for a requested one in root
 // coordinates: none when it is not finite, smaller than a pixel or entirely off the desktop; an
@@ -477,11 +490,12 @@ QString X11WindowService::describeWindow(const WindowRef& window) {
     if (!x_.isValid() || client == XCB_NONE) {
         return QStringLiteral("pid=nil role=nil subrole=nil title=nil cocoaFrame=nil");
     }
-    // Everything but the title is asked at once.
+    // Everything is asked at once: a description costs one round trip.
     const auto pidRead = askProperty(x_, client, "_NET_WM_PID", XCB_ATOM_CARDINAL);
     const auto typesRead = askProperty(x_, client, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM);
     const auto stateRead = askProperty(x_, client, "WM_STATE", XCB_ATOM_ANY, 0);
     const FrameRead frameRead(x_, client);
+    const TitleRead titleRead(x_, client);
     const auto pid = takeProperty(x_, pidRead).value_or(std::vector<std::uint32_t>{});
     const auto types = takeProperty(x_, typesRead).value_or(std::vector<std::uint32_t>{});
     const bool managed = takeProperty(x_, stateRead).has_value();
@@ -490,7 +504,7 @@ QString X11WindowService::describeWindow(const WindowRef& window) {
     if (!types.empty()) {
         subrole = typeName(types.front());
     }
-    const auto title = windowTitle(x_, client);
+    const auto title = titleRead.take(x_);
     const QString role = !managed                ? QStringLiteral("nil")
                          : isStandardType(types) ? QStringLiteral("standard")
                                                  : QStringLiteral("other");
