@@ -30,28 +30,16 @@ QImage render(SnapOverlayView& view) {
 class SnapOverlayWindowTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void coversTheVisibleFrame();
     void rendersOutlinesAndFill();
     void shapedWithoutCompositor();
-    void nativeHookRunsWhenShown();
+    void coversTheVisibleFrameAndRunsTheNativeHookWhenShown();
 };
-
-void SnapOverlayWindowTest::coversTheVisibleFrame() {
-    SnapOverlayWindow overlay(kVisible, environment(true));
-    QCOMPARE(overlay.frame(), kVisible);
-    QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
-    overlay.orderFront();
-    QVERIFY(overlay.overlayView().isVisible());
-    overlay.orderOut();
-    QVERIFY(!overlay.overlayView().isVisible());
-}
 
 void SnapOverlayWindowTest::rendersOutlinesAndFill() {
     SnapOverlayWindow overlay(kVisible, environment(true));
     overlay.orderFront();
     const GridDefinition grid(QStringLiteral("g"), QStringLiteral("Halves"), {0.5}, {});
     overlay.update(grid, kCells, {kCells[1]});
-    QCOMPARE(overlay.grid(), std::optional(grid));
     const QImage image = render(overlay.overlayView());
     // The left zone's edge pixels: white at alpha 0.22.
     const QColor edge = image.pixelColor(0, 50);
@@ -91,7 +79,7 @@ void SnapOverlayWindowTest::shapedWithoutCompositor() {
     QVERIFY(!shaped.overlayView().mask().contains(QPoint(150, 50)));
 }
 
-void SnapOverlayWindowTest::nativeHookRunsWhenShown() {
+void SnapOverlayWindowTest::coversTheVisibleFrameAndRunsTheNativeHookWhenShown() {
     int calls = 0;
     SnapOverlayEnvironment env = environment(true);
     env.configureNativeWindow = [&calls](QWidget& widget) {
@@ -99,11 +87,13 @@ void SnapOverlayWindowTest::nativeHookRunsWhenShown() {
         ++calls;
     };
     SnapOverlayWindow overlay(kVisible, env);
+    QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
     QCOMPARE(calls, 0);
     overlay.orderFront();
     overlay.orderFront(); // already up: nothing to redo
     QCOMPARE(calls, 1);
     overlay.orderOut();
+    QVERIFY(!overlay.overlayView().isVisible());
     overlay.orderFront();
     QCOMPARE(calls, 2);
 }
