@@ -49,160 +49,151 @@ struct Editor {
 class GridEditorModelTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void pressDragRelease_data();
-    void pressDragRelease();
-    void shiftTurnsThePendingLineLive();
-    void secondaryClick_data();
-    void secondaryClick();
-    void keys_data();
-    void keys();
-    void linesAndZonesShowTheEdit();
-    void anotherLayoutOrAPresetReplacesTheLines();
+    void pressDragRelease_data() {
+        QTest::addColumn<Splits>("vertical");
+        QTest::addColumn<Splits>("horizontal");
+        QTest::addColumn<QPointF>("press");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<QPointF>("release"); // negative: outside the frame
+        QTest::addColumn<Splits>("expectedVertical");
+        QTest::addColumn<Splits>("expectedHorizontal");
+        QTest::newRow("0.012 from a line picks it up")
+            << Splits{0.5} << Splits{} << QPointF(0.512, 0.3) << false << QPointF(0.7, 0.3)
+            << Splits{0.7} << Splits{};
+        QTest::newRow("0.016 away adds a horizontal line")
+            << Splits{0.5} << Splits{} << QPointF(0.516, 0.3) << false << QPointF(0.516, 0.3)
+            << Splits{0.5} << Splits{0.3};
+        QTest::newRow("Shift on empty space adds a vertical line")
+            << Splits{0.5} << Splits{} << QPointF(0.25, 0.3) << true << QPointF(0.25, 0.3)
+            << Splits{0.25, 0.5} << Splits{};
+        QTest::newRow("a tie picks the horizontal line")
+            << Splits{0.5} << Splits{0.5} << QPointF(0.51, 0.51) << false << QPointF(0.2, 0.2)
+            << Splits{0.5} << Splits{0.2};
+        QTest::newRow("near-duplicates go together")
+            << Splits{0.5, 0.50005} << Splits{} << QPointF(0.5, 0.5) << false << QPointF(0.8, 0.5)
+            << Splits{0.8} << Splits{};
+        QTest::newRow("a click on a line puts it back")
+            << Splits{0.5} << Splits{} << QPointF(0.51, 0.3) << false << QPointF(0.51, 0.3)
+            << Splits{0.51} << Splits{};
+        QTest::newRow("a release outside changes nothing")
+            << Splits{0.5} << Splits{} << QPointF(0.3, 0.3) << false << QPointF(-1, -1)
+            << Splits{0.5} << Splits{};
+    }
+    void pressDragRelease() {
+        QFETCH(Splits, vertical);
+        QFETCH(Splits, horizontal);
+        QFETCH(QPointF, press);
+        QFETCH(bool, shift);
+        QFETCH(QPointF, release);
+        QFETCH(Splits, expectedVertical);
+        QFETCH(Splits, expectedHorizontal);
+        Editor editor(vertical, horizontal);
+        const bool inside = release.x() >= 0;
+        editor.dragAndRelease({press.x(), press.y()}, shift,
+                              inside ? std::optional(NormalizedPoint{release.x(), release.y()})
+                                     : std::nullopt);
+        QCOMPARE(editor.model.grid().verticalSplits(), expectedVertical);
+        QCOMPARE(editor.model.grid().horizontalSplits(), expectedHorizontal);
+        // Outside, the pending line is still held, ready for a release inside.
+        QCOMPARE(editor.model.pendingSplit().has_value(), !inside);
+    }
+
+    void shiftTurnsThePendingLineLive() {
+        Editor editor({}, {});
+        editor.model.primaryPressed(NormalizedPoint{0.3, 0.6}, true);
+        QCOMPARE(*editor.model.pendingSplit(), (PendingSplit{GridLineOrientation::Vertical, 0.3}));
+        editor.model.shiftChanged(false);
+        QCOMPARE(*editor.model.pendingSplit(),
+                 (PendingSplit{GridLineOrientation::Horizontal, 0.6}));
+        editor.model.primaryDragged(NormalizedPoint{0.4, 0.7}, true);
+        QCOMPARE(*editor.model.pendingSplit(), (PendingSplit{GridLineOrientation::Vertical, 0.4}));
+        editor.model.primaryReleased(NormalizedPoint{0.4, 0.7});
+        QCOMPARE(editor.model.grid().verticalSplits(), Splits{0.4});
+    }
+
+    void secondaryClick_data() {
+        QTest::addColumn<double>("x");
+        QTest::addColumn<bool>("flashes");
+        QTest::addColumn<Splits>("left");
+        QTest::newRow("0.012 flashes only") << 0.512 << true << Splits{0.5};
+        QTest::newRow("0.008 removes") << 0.508 << true << Splits{};
+        QTest::newRow("0.016 does nothing") << 0.516 << false << Splits{0.5};
+    }
+    void secondaryClick() {
+        QFETCH(double, x);
+        QFETCH(bool, flashes);
+        QFETCH(Splits, left);
+        Editor editor({0.5}, {});
+        editor.model.secondaryClicked(NormalizedPoint{x, 0.3});
+        QCOMPARE(editor.model.grid().verticalSplits(), left);
+        QCOMPARE(editor.model.flashSplit().has_value(), flashes);
+        // The flash shows the line in red, even once it is gone, for 0.15 s.
+        QCOMPARE(editor.model.lineStyle(GridLineOrientation::Vertical, 0.5) ==
+                     EditorLineStyle::Flash,
+                 flashes);
+        editor.scheduler.advance(0.149);
+        QCOMPARE(editor.model.flashSplit().has_value(), flashes);
+        editor.scheduler.advance(0.002);
+        QVERIFY(!editor.model.flashSplit());
+    }
+
+    void keys_data() {
+        QTest::addColumn<EditorKey>("key");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("handled");
+        QTest::addColumn<QString>("call"); // empty: none
+        QTest::newRow("Escape") << EditorKey::Escape << "" << true << "cancel";
+        QTest::newRow("Return") << EditorKey::Return << "Desk" << true << "save Desk";
+        QTest::newRow("keypad Enter") << EditorKey::KeypadEnter << "Desk" << true << "save Desk";
+        QTest::newRow("Return, blank name") << EditorKey::Return << " \t" << true << "";
+        QTest::newRow("Enter, empty name") << EditorKey::KeypadEnter << "" << true << "";
+        QTest::newRow("any other key") << EditorKey::Other << "Desk" << false << "";
+    }
+    void keys() {
+        QFETCH(EditorKey, key);
+        QFETCH(QString, name);
+        QFETCH(bool, handled);
+        QFETCH(QString, call);
+        Editor editor({0.5}, {});
+        editor.model.setName(name);
+        QCOMPARE(editor.model.canSave(), !name.trimmed().isEmpty());
+        QCOMPARE(editor.model.keyDown(key), handled);
+        QCOMPARE(editor.calls, call.isEmpty() ? QStringList() : QStringList{call});
+    }
+
+    void linesAndZonesShowTheEdit() {
+        Editor editor({0.5}, {0.25});
+        editor.model.primaryPressed(NormalizedPoint{0.2, 0.75}, false);
+        const std::vector<EditorLine> expected{
+            {GridLineOrientation::Horizontal, 0.25, EditorLineStyle::Normal},
+            {GridLineOrientation::Vertical, 0.5, EditorLineStyle::Normal},
+            {GridLineOrientation::Horizontal, 0.75, EditorLineStyle::Active}};
+        QCOMPARE(editor.model.lines(), expected);
+        editor.model.primaryReleased(NormalizedPoint{0.2, 0.75});
+        editor.model.pointerMoved(NormalizedPoint{0.505, 0.5});
+        QCOMPARE(editor.model.lineStyle(GridLineOrientation::Vertical, 0.5),
+                 EditorLineStyle::Hover);
+        QCOMPARE(editor.model.lineStyle(GridLineOrientation::Horizontal, 0.25),
+                 EditorLineStyle::Dim);
+        // Six zones in points, the top-left one a quarter of 900 high.
+        const auto zones = editor.model.zones();
+        QCOMPARE(zones.size(), std::size_t{6});
+        QCOMPARE(zones.front().label, QStringLiteral("720 \u00D7 225"));
+    }
+
+    void anotherLayoutOrAPresetReplacesTheLines() {
+        Editor editor({0.5}, {});
+        editor.model.setName(QStringLiteral("Renamed"));
+        editor.model.applyPreset(LayoutPresetId::Grid2x2);
+        QCOMPARE(editor.model.editedGrid(),
+                 GridDefinition(QStringLiteral("g"), QStringLiteral("Renamed"), {0.5}, {0.5}));
+        editor.model.selectLayout(QStringLiteral("gone"));
+        QCOMPARE(editor.model.grid().id(), QStringLiteral("g"));
+        editor.model.selectLayout(QStringLiteral("other"));
+        QCOMPARE(editor.model.editedGrid(),
+                 GridDefinition(QStringLiteral("other"), QStringLiteral("Other"), {0.25}, {}));
+    }
 };
-
-void GridEditorModelTest::pressDragRelease_data() {
-    QTest::addColumn<Splits>("vertical");
-    QTest::addColumn<Splits>("horizontal");
-    QTest::addColumn<QPointF>("press");
-    QTest::addColumn<bool>("shift");
-    QTest::addColumn<QPointF>("release"); // negative: outside the frame
-    QTest::addColumn<Splits>("expectedVertical");
-    QTest::addColumn<Splits>("expectedHorizontal");
-    QTest::newRow("0.012 from a line picks it up")
-        << Splits{0.5} << Splits{} << QPointF(0.512, 0.3) << false << QPointF(0.7, 0.3)
-        << Splits{0.7} << Splits{};
-    QTest::newRow("0.016 away adds a horizontal line")
-        << Splits{0.5} << Splits{} << QPointF(0.516, 0.3) << false << QPointF(0.516, 0.3)
-        << Splits{0.5} << Splits{0.3};
-    QTest::newRow("Shift on empty space adds a vertical line")
-        << Splits{0.5} << Splits{} << QPointF(0.25, 0.3) << true << QPointF(0.25, 0.3)
-        << Splits{0.25, 0.5} << Splits{};
-    QTest::newRow("a tie picks the horizontal line")
-        << Splits{0.5} << Splits{0.5} << QPointF(0.51, 0.51) << false << QPointF(0.2, 0.2)
-        << Splits{0.5} << Splits{0.2};
-    QTest::newRow("near-duplicates go together")
-        << Splits{0.5, 0.50005} << Splits{} << QPointF(0.5, 0.5) << false << QPointF(0.8, 0.5)
-        << Splits{0.8} << Splits{};
-    QTest::newRow("a click on a line puts it back")
-        << Splits{0.5} << Splits{} << QPointF(0.51, 0.3) << false << QPointF(0.51, 0.3)
-        << Splits{0.51} << Splits{};
-    QTest::newRow("a release outside changes nothing")
-        << Splits{0.5} << Splits{} << QPointF(0.3, 0.3) << false << QPointF(-1, -1) << Splits{0.5}
-        << Splits{};
-}
-
-void GridEditorModelTest::pressDragRelease() {
-    QFETCH(Splits, vertical);
-    QFETCH(Splits, horizontal);
-    QFETCH(QPointF, press);
-    QFETCH(bool, shift);
-    QFETCH(QPointF, release);
-    QFETCH(Splits, expectedVertical);
-    QFETCH(Splits, expectedHorizontal);
-    Editor editor(vertical, horizontal);
-    const bool inside = release.x() >= 0;
-    editor.dragAndRelease({press.x(), press.y()}, shift,
-                          inside ? std::optional(NormalizedPoint{release.x(), release.y()})
-                                 : std::nullopt);
-    QCOMPARE(editor.model.grid().verticalSplits(), expectedVertical);
-    QCOMPARE(editor.model.grid().horizontalSplits(), expectedHorizontal);
-    // Outside, the pending line is still held, ready for a release inside.
-    QCOMPARE(editor.model.pendingSplit().has_value(), !inside);
-}
-
-void GridEditorModelTest::shiftTurnsThePendingLineLive() {
-    Editor editor({}, {});
-    editor.model.primaryPressed(NormalizedPoint{0.3, 0.6}, true);
-    QCOMPARE(*editor.model.pendingSplit(), (PendingSplit{GridLineOrientation::Vertical, 0.3}));
-    editor.model.shiftChanged(false);
-    QCOMPARE(*editor.model.pendingSplit(), (PendingSplit{GridLineOrientation::Horizontal, 0.6}));
-    editor.model.primaryDragged(NormalizedPoint{0.4, 0.7}, true);
-    QCOMPARE(*editor.model.pendingSplit(), (PendingSplit{GridLineOrientation::Vertical, 0.4}));
-    editor.model.primaryReleased(NormalizedPoint{0.4, 0.7});
-    QCOMPARE(editor.model.grid().verticalSplits(), Splits{0.4});
-}
-
-void GridEditorModelTest::secondaryClick_data() {
-    QTest::addColumn<double>("x");
-    QTest::addColumn<bool>("flashes");
-    QTest::addColumn<Splits>("left");
-    QTest::newRow("0.012 flashes only") << 0.512 << true << Splits{0.5};
-    QTest::newRow("0.008 removes") << 0.508 << true << Splits{};
-    QTest::newRow("0.016 does nothing") << 0.516 << false << Splits{0.5};
-}
-
-void GridEditorModelTest::secondaryClick() {
-    QFETCH(double, x);
-    QFETCH(bool, flashes);
-    QFETCH(Splits, left);
-    Editor editor({0.5}, {});
-    editor.model.secondaryClicked(NormalizedPoint{x, 0.3});
-    QCOMPARE(editor.model.grid().verticalSplits(), left);
-    QCOMPARE(editor.model.flashSplit().has_value(), flashes);
-    // The flash shows the line in red, even once it is gone, for 0.15 s.
-    QCOMPARE(editor.model.lineStyle(GridLineOrientation::Vertical, 0.5) == EditorLineStyle::Flash,
-             flashes);
-    editor.scheduler.advance(0.149);
-    QCOMPARE(editor.model.flashSplit().has_value(), flashes);
-    editor.scheduler.advance(0.002);
-    QVERIFY(!editor.model.flashSplit());
-}
-
-void GridEditorModelTest::keys_data() {
-    QTest::addColumn<EditorKey>("key");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("handled");
-    QTest::addColumn<QString>("call"); // empty: none
-    QTest::newRow("Escape") << EditorKey::Escape << "" << true << "cancel";
-    QTest::newRow("Return") << EditorKey::Return << "Desk" << true << "save Desk";
-    QTest::newRow("keypad Enter") << EditorKey::KeypadEnter << "Desk" << true << "save Desk";
-    QTest::newRow("Return, blank name") << EditorKey::Return << " \t" << true << "";
-    QTest::newRow("Enter, empty name") << EditorKey::KeypadEnter << "" << true << "";
-    QTest::newRow("any other key") << EditorKey::Other << "Desk" << false << "";
-}
-
-void GridEditorModelTest::keys() {
-    QFETCH(EditorKey, key);
-    QFETCH(QString, name);
-    QFETCH(bool, handled);
-    QFETCH(QString, call);
-    Editor editor({0.5}, {});
-    editor.model.setName(name);
-    QCOMPARE(editor.model.canSave(), !name.trimmed().isEmpty());
-    QCOMPARE(editor.model.keyDown(key), handled);
-    QCOMPARE(editor.calls, call.isEmpty() ? QStringList() : QStringList{call});
-}
-
-void GridEditorModelTest::linesAndZonesShowTheEdit() {
-    Editor editor({0.5}, {0.25});
-    editor.model.primaryPressed(NormalizedPoint{0.2, 0.75}, false);
-    const std::vector<EditorLine> expected{
-        {GridLineOrientation::Horizontal, 0.25, EditorLineStyle::Normal},
-        {GridLineOrientation::Vertical, 0.5, EditorLineStyle::Normal},
-        {GridLineOrientation::Horizontal, 0.75, EditorLineStyle::Active}};
-    QCOMPARE(editor.model.lines(), expected);
-    editor.model.primaryReleased(NormalizedPoint{0.2, 0.75});
-    editor.model.pointerMoved(NormalizedPoint{0.505, 0.5});
-    QCOMPARE(editor.model.lineStyle(GridLineOrientation::Vertical, 0.5), EditorLineStyle::Hover);
-    QCOMPARE(editor.model.lineStyle(GridLineOrientation::Horizontal, 0.25), EditorLineStyle::Dim);
-    // Six zones in points, the top-left one a quarter of 900 high.
-    const auto zones = editor.model.zones();
-    QCOMPARE(zones.size(), std::size_t{6});
-    QCOMPARE(zones.front().label, QStringLiteral("720 \u00D7 225"));
-}
-
-void GridEditorModelTest::anotherLayoutOrAPresetReplacesTheLines() {
-    Editor editor({0.5}, {});
-    editor.model.setName(QStringLiteral("Renamed"));
-    editor.model.applyPreset(LayoutPresetId::Grid2x2);
-    QCOMPARE(editor.model.editedGrid(),
-             GridDefinition(QStringLiteral("g"), QStringLiteral("Renamed"), {0.5}, {0.5}));
-    editor.model.selectLayout(QStringLiteral("gone"));
-    QCOMPARE(editor.model.grid().id(), QStringLiteral("g"));
-    editor.model.selectLayout(QStringLiteral("other"));
-    QCOMPARE(editor.model.editedGrid(),
-             GridDefinition(QStringLiteral("other"), QStringLiteral("Other"), {0.25}, {}));
-}
 
 QTEST_APPLESS_MAIN(GridEditorModelTest)
 #include "tst_grid_editor_model.moc"

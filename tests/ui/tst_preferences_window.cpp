@@ -116,194 +116,188 @@ class PreferencesWindowTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void opensTitledWithTheKeyboard();
-    void marginSliderSavesUnroundedValues();
-    void snapBoxesSaveTheirRowsMask();
-    void switchesSaveTheirState();
-    void hideIconIsDisabledWithoutAPreferencesHotkey();
-    void recorderFlow();
-    void keyboardReachesEveryControlInOrder();
-    void nothingIsCutOff();
+    void opensTitledWithTheKeyboard() {
+        Fixture f;
+        // That it takes the keyboard under a window manager, on the margin slider:
+        // agent_preferences.
+        QVERIFY(QTest::qWaitForWindowActive(&f.dialog()));
+        // The snap controller ignores events while this title has the keyboard.
+        QCOMPARE(f.views.keyWindowTitle(), std::optional(QStringLiteral("Preferences")));
+        // The file's values, in the Linux words.
+        QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("8 pt"));
+        QCOMPARE(f.control<QLabel>("hotkeyValueLabel4")->text(),
+                 QStringLiteral("Ctrl + Alt + Key 46"));
+        QCOMPARE(f.control<QLabel>("hotkeyValueLabel1")->text(), QStringLiteral("Not set"));
+        QCOMPARE(f.control<QCheckBox>("singleCmdCheckbox")->text(), QStringLiteral("Super"));
+        QCOMPARE(f.control<QCheckBox>("multiOptionCheckbox")->text(), QStringLiteral("Alt"));
+        QCOMPARE(f.control<QCheckBox>("multiControlCheckbox")->text(), QStringLiteral("Ctrl"));
+        QCOMPARE(f.control<QCheckBox>("hideMenuBarIconCheckbox")->text(),
+                 QStringLiteral("Hide tray icon"));
+    }
+
+    void marginSliderSavesUnroundedValues() {
+        Fixture f;
+        auto* slider = f.control<QSlider>("marginSlider");
+        slider->setValue(1270);
+        QCOMPARE(f.config().cellMarginPoints(), 12.7);
+        QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("12 pt"));
+        // The keyboard moves it by whole points.
+        slider->setFocus();
+        QTest::keyClick(slider, Qt::Key_Right);
+        QCOMPARE(f.config().cellMarginPoints(), 13.7);
+        QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("13 pt"));
+        QTest::keyClick(slider, Qt::Key_End);
+        QCOMPARE(f.config().cellMarginPoints(), 40.0);
+    }
+
+    void snapBoxesSaveTheirRowsMask() {
+        Fixture f;
+        QVERIFY(f.control<QCheckBox>("singleCmdCheckbox")->isChecked());
+        QVERIFY(f.control<QCheckBox>("multiShiftCheckbox")->isChecked());
+        tick(f.control<QCheckBox>("singleCmdCheckbox"));
+        QCOMPARE(f.config().singleSnapModifiers(), std::optional(ModifierDefinition{0}));
+        tick(f.control<QCheckBox>("multiControlCheckbox"));
+        QCOMPARE(f.config().multiSnapModifiers(),
+                 std::optional(ModifierDefinition{256 | 512 | 4096}));
+        f.control<QCheckBox>("singleOptionCheckbox")->setFocus();
+        QTest::keyClick(f.control<QCheckBox>("singleOptionCheckbox"), Qt::Key_Space);
+        QCOMPARE(f.config().singleSnapModifiers(), std::optional(ModifierDefinition{2048}));
+    }
+
+    void switchesSaveTheirState() {
+        Fixture f;
+        tick(f.control<QCheckBox>("restoreWindowSizeOnUnsnapCheckbox"));
+        QCOMPARE(f.config().restoreWindowSizeOnUnsnap(), std::optional(false));
+
+        // Launch at login: not for this copy; the reason is shown and a click does nothing.
+        auto* launch = f.control<QCheckBox>("launchAtLoginCheckbox");
+        QVERIFY(!launch->isEnabled());
+        QVERIFY(f.control<QLabel>("launchAtLoginInfoLabel")->isVisible());
+        QCOMPARE(f.control<QLabel>("launchAtLoginInfoLabel")->text(),
+                 PlatformWords(WordStyle::Linux).launchAtLoginRequirement());
+        tick(launch);
+        QCOMPARE(f.config().launchAtLogin(), std::optional(false));
+
+        f.logins.applies = true;
+        f.controller.show();
+        QVERIFY(launch->isEnabled());
+        QVERIFY(!f.control<QLabel>("launchAtLoginInfoLabel")->isVisible());
+        tick(launch);
+        QCOMPARE(f.config().launchAtLogin(), std::optional(true));
+    }
+
+    void hideIconIsDisabledWithoutAPreferencesHotkey() {
+        Fixture f;
+        auto* hide = f.control<QCheckBox>("hideMenuBarIconCheckbox");
+        auto* info = f.control<QLabel>("hideMenuBarIconInfoLabel");
+        QVERIFY(!hide->isEnabled());
+        QVERIFY(info->isVisible());
+        QCOMPARE(info->text(), PreferencesWindowController::hideMenuBarIconInfo());
+        tick(hide);
+        QCOMPARE(f.config().hideMenuBarIcon(), std::optional(false));
+
+        // Record an open-preferences hot key: the box becomes available and hides the icon.
+        QTest::mouseClick(f.control<QPushButton>("recordHotkeyButton2"), Qt::LeftButton);
+        f.press(kControlOptionN);
+        QVERIFY(hide->isEnabled());
+        QVERIFY(!info->isVisible());
+        tick(hide);
+        QCOMPARE(f.config().hideMenuBarIcon(), std::optional(true));
+    }
+
+    void recorderFlow() {
+        Fixture f;
+        auto* value = f.control<QLabel>("hotkeyValueLabel4");
+        auto* record = f.control<QPushButton>("recordHotkeyButton4");
+        QTest::mouseClick(record, Qt::LeftButton);
+        QCOMPARE(value->text(), PreferencesWindowController::recordingPrompt());
+        QCOMPARE(record->text(), QStringLiteral("Recording…"));
+        QCOMPARE(f.recording, QStringList{"on"});
+
+        // A combination is stored.
+        f.press(kControlOptionN);
+        QCOMPARE(f.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
+        QCOMPARE(value->text(), QStringLiteral("Ctrl + Alt + N"));
+        QCOMPARE(record->text(), QStringLiteral("Record"));
+        QCOMPARE(f.recording, (QStringList{"on", "off"}));
+
+        // Escape cancels, and does not close the window.
+        QTest::mouseClick(record, Qt::LeftButton);
+        f.press(kEscape);
+        QCOMPARE(f.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
+        QCOMPARE(value->text(), QStringLiteral("Ctrl + Alt + N"));
+        QVERIFY(f.dialog().isVisible());
+
+        // Clear removes it.
+        QTest::mouseClick(f.control<QPushButton>("clearHotkeyButton4"), Qt::LeftButton);
+        QCOMPARE(f.config().moveToNextDisplayHotkey(), std::nullopt);
+        QCOMPARE(value->text(), QStringLiteral("Not set"));
+        QCOMPARE(f.recording, (QStringList{"on", "off", "on", "off"}));
+
+        // Escape closes the window when nothing is recorded; Close ends a recording too.
+        f.press(kEscape);
+        QVERIFY(!f.dialog().isVisible());
+        QVERIFY(!f.controller.isVisible());
+        f.controller.show();
+        QTest::mouseClick(record, Qt::LeftButton);
+        QTest::mouseClick(f.control<QPushButton>("closeButton"), Qt::LeftButton);
+        QVERIFY(!f.dialog().isVisible());
+        QCOMPARE(f.recording, (QStringList{"on", "off", "on", "off", "on", "off"}));
+        QCOMPARE(f.config().moveToNextDisplayHotkey(), std::nullopt);
+    }
+
+    void keyboardReachesEveryControlInOrder() {
+        Fixture f;
+        QDialog& dialog = f.dialog();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        QStringList expected{"marginSlider"};
+        for (const QString& row : {QStringLiteral("single"), QStringLiteral("multi")}) {
+            for (const char* word : {"Cmd", "Shift", "Option", "Control"}) {
+                expected << row + QLatin1String(word) + QStringLiteral("Checkbox");
+            }
+        }
+        for (int id = 1; id <= 6; ++id) {
+            expected << QStringLiteral("recordHotkeyButton%1").arg(id)
+                     << QStringLiteral("clearHotkeyButton%1").arg(id);
+        }
+        // Launch at login is disabled here, and so is hiding the icon: Tab passes them by.
+        expected << "restoreWindowSizeOnUnsnapCheckbox"
+                 << "closeButton"
+                 << "marginSlider";
+        QStringList reached{QApplication::focusWidget()->objectName()};
+        for (int i = 1; i < expected.size(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            reached << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(reached, expected);
+    }
+
+    void nothingIsCutOff() {
+        Fixture f;
+        // Every text in view, with the optional info texts shown as well.
+        QDialog& dialog = f.dialog();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        QCOMPARE(dialog.size(), dialog.sizeHint());
+        for (QWidget* widget : dialog.findChildren<QWidget*>()) {
+            if (!widget->isVisible()) {
+                continue;
+            }
+            const QSize minimum = widget->minimumSizeHint();
+            QVERIFY2(widget->width() >= minimum.width() && widget->height() >= minimum.height(),
+                     qPrintable(QStringLiteral("%1 is %2x%3, needs %4x%5")
+                                    .arg(widget->objectName(), QString::number(widget->width()),
+                                         QString::number(widget->height()),
+                                         QString::number(minimum.width()),
+                                         QString::number(minimum.height()))));
+            if (widget->hasHeightForWidth()) {
+                QVERIFY2(widget->height() >= widget->heightForWidth(widget->width()),
+                         qPrintable(widget->objectName()));
+            }
+        }
+        qInfo("window %dx%d at device pixel ratio %.1f", dialog.width(), dialog.height(),
+              dialog.devicePixelRatioF());
+    }
 };
-
-void PreferencesWindowTest::opensTitledWithTheKeyboard() {
-    Fixture f;
-    // That it takes the keyboard under a window manager, on the margin slider: agent_preferences.
-    QVERIFY(QTest::qWaitForWindowActive(&f.dialog()));
-    // The snap controller ignores events while this title has the keyboard.
-    QCOMPARE(f.views.keyWindowTitle(), std::optional(QStringLiteral("Preferences")));
-    // The file's values, in the Linux words.
-    QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("8 pt"));
-    QCOMPARE(f.control<QLabel>("hotkeyValueLabel4")->text(), QStringLiteral("Ctrl + Alt + Key 46"));
-    QCOMPARE(f.control<QLabel>("hotkeyValueLabel1")->text(), QStringLiteral("Not set"));
-    QCOMPARE(f.control<QCheckBox>("singleCmdCheckbox")->text(), QStringLiteral("Super"));
-    QCOMPARE(f.control<QCheckBox>("multiOptionCheckbox")->text(), QStringLiteral("Alt"));
-    QCOMPARE(f.control<QCheckBox>("multiControlCheckbox")->text(), QStringLiteral("Ctrl"));
-    QCOMPARE(f.control<QCheckBox>("hideMenuBarIconCheckbox")->text(),
-             QStringLiteral("Hide tray icon"));
-}
-
-void PreferencesWindowTest::marginSliderSavesUnroundedValues() {
-    Fixture f;
-    auto* slider = f.control<QSlider>("marginSlider");
-    slider->setValue(1270);
-    QCOMPARE(f.config().cellMarginPoints(), 12.7);
-    QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("12 pt"));
-    // The keyboard moves it by whole points.
-    slider->setFocus();
-    QTest::keyClick(slider, Qt::Key_Right);
-    QCOMPARE(f.config().cellMarginPoints(), 13.7);
-    QCOMPARE(f.control<QLabel>("marginValueLabel")->text(), QStringLiteral("13 pt"));
-    QTest::keyClick(slider, Qt::Key_End);
-    QCOMPARE(f.config().cellMarginPoints(), 40.0);
-}
-
-void PreferencesWindowTest::snapBoxesSaveTheirRowsMask() {
-    Fixture f;
-    QVERIFY(f.control<QCheckBox>("singleCmdCheckbox")->isChecked());
-    QVERIFY(f.control<QCheckBox>("multiShiftCheckbox")->isChecked());
-    tick(f.control<QCheckBox>("singleCmdCheckbox"));
-    QCOMPARE(f.config().singleSnapModifiers(), std::optional(ModifierDefinition{0}));
-    tick(f.control<QCheckBox>("multiControlCheckbox"));
-    QCOMPARE(f.config().multiSnapModifiers(), std::optional(ModifierDefinition{256 | 512 | 4096}));
-    f.control<QCheckBox>("singleOptionCheckbox")->setFocus();
-    QTest::keyClick(f.control<QCheckBox>("singleOptionCheckbox"), Qt::Key_Space);
-    QCOMPARE(f.config().singleSnapModifiers(), std::optional(ModifierDefinition{2048}));
-}
-
-void PreferencesWindowTest::switchesSaveTheirState() {
-    Fixture f;
-    tick(f.control<QCheckBox>("restoreWindowSizeOnUnsnapCheckbox"));
-    QCOMPARE(f.config().restoreWindowSizeOnUnsnap(), std::optional(false));
-
-    // Launch at login: not for this copy; the reason is shown and a click does nothing.
-    auto* launch = f.control<QCheckBox>("launchAtLoginCheckbox");
-    QVERIFY(!launch->isEnabled());
-    QVERIFY(f.control<QLabel>("launchAtLoginInfoLabel")->isVisible());
-    QCOMPARE(f.control<QLabel>("launchAtLoginInfoLabel")->text(),
-             PlatformWords(WordStyle::Linux).launchAtLoginRequirement());
-    tick(launch);
-    QCOMPARE(f.config().launchAtLogin(), std::optional(false));
-
-    f.logins.applies = true;
-    f.controller.show();
-    QVERIFY(launch->isEnabled());
-    QVERIFY(!f.control<QLabel>("launchAtLoginInfoLabel")->isVisible());
-    tick(launch);
-    QCOMPARE(f.config().launchAtLogin(), std::optional(true));
-}
-
-void PreferencesWindowTest::hideIconIsDisabledWithoutAPreferencesHotkey() {
-    Fixture f;
-    auto* hide = f.control<QCheckBox>("hideMenuBarIconCheckbox");
-    auto* info = f.control<QLabel>("hideMenuBarIconInfoLabel");
-    QVERIFY(!hide->isEnabled());
-    QVERIFY(info->isVisible());
-    QCOMPARE(info->text(), PreferencesWindowController::hideMenuBarIconInfo());
-    tick(hide);
-    QCOMPARE(f.config().hideMenuBarIcon(), std::optional(false));
-
-    // Record an open-preferences hot key: the box becomes available and hides the icon.
-    QTest::mouseClick(f.control<QPushButton>("recordHotkeyButton2"), Qt::LeftButton);
-    f.press(kControlOptionN);
-    QVERIFY(hide->isEnabled());
-    QVERIFY(!info->isVisible());
-    tick(hide);
-    QCOMPARE(f.config().hideMenuBarIcon(), std::optional(true));
-}
-
-void PreferencesWindowTest::recorderFlow() {
-    Fixture f;
-    auto* value = f.control<QLabel>("hotkeyValueLabel4");
-    auto* record = f.control<QPushButton>("recordHotkeyButton4");
-    QTest::mouseClick(record, Qt::LeftButton);
-    QCOMPARE(value->text(), PreferencesWindowController::recordingPrompt());
-    QCOMPARE(record->text(), QStringLiteral("Recording…"));
-    QCOMPARE(f.recording, QStringList{"on"});
-
-    // A combination is stored.
-    f.press(kControlOptionN);
-    QCOMPARE(f.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
-    QCOMPARE(value->text(), QStringLiteral("Ctrl + Alt + N"));
-    QCOMPARE(record->text(), QStringLiteral("Record"));
-    QCOMPARE(f.recording, (QStringList{"on", "off"}));
-
-    // Escape cancels, and does not close the window.
-    QTest::mouseClick(record, Qt::LeftButton);
-    f.press(kEscape);
-    QCOMPARE(f.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
-    QCOMPARE(value->text(), QStringLiteral("Ctrl + Alt + N"));
-    QVERIFY(f.dialog().isVisible());
-
-    // Clear removes it.
-    QTest::mouseClick(f.control<QPushButton>("clearHotkeyButton4"), Qt::LeftButton);
-    QCOMPARE(f.config().moveToNextDisplayHotkey(), std::nullopt);
-    QCOMPARE(value->text(), QStringLiteral("Not set"));
-    QCOMPARE(f.recording, (QStringList{"on", "off", "on", "off"}));
-
-    // Escape closes the window when nothing is recorded; Close ends a recording too.
-    f.press(kEscape);
-    QVERIFY(!f.dialog().isVisible());
-    QVERIFY(!f.controller.isVisible());
-    f.controller.show();
-    QTest::mouseClick(record, Qt::LeftButton);
-    QTest::mouseClick(f.control<QPushButton>("closeButton"), Qt::LeftButton);
-    QVERIFY(!f.dialog().isVisible());
-    QCOMPARE(f.recording, (QStringList{"on", "off", "on", "off", "on", "off"}));
-    QCOMPARE(f.config().moveToNextDisplayHotkey(), std::nullopt);
-}
-
-void PreferencesWindowTest::keyboardReachesEveryControlInOrder() {
-    Fixture f;
-    QDialog& dialog = f.dialog();
-    QVERIFY(QTest::qWaitForWindowActive(&dialog));
-    QStringList expected{"marginSlider"};
-    for (const QString& row : {QStringLiteral("single"), QStringLiteral("multi")}) {
-        for (const char* word : {"Cmd", "Shift", "Option", "Control"}) {
-            expected << row + QLatin1String(word) + QStringLiteral("Checkbox");
-        }
-    }
-    for (int id = 1; id <= 6; ++id) {
-        expected << QStringLiteral("recordHotkeyButton%1").arg(id)
-                 << QStringLiteral("clearHotkeyButton%1").arg(id);
-    }
-    // Launch at login is disabled here, and so is hiding the icon: Tab passes them by.
-    expected << "restoreWindowSizeOnUnsnapCheckbox"
-             << "closeButton"
-             << "marginSlider";
-    QStringList reached{QApplication::focusWidget()->objectName()};
-    for (int i = 1; i < expected.size(); ++i) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        reached << QApplication::focusWidget()->objectName();
-    }
-    QCOMPARE(reached, expected);
-}
-
-void PreferencesWindowTest::nothingIsCutOff() {
-    Fixture f;
-    // Every text in view, with the optional info texts shown as well.
-    QDialog& dialog = f.dialog();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-    QCOMPARE(dialog.size(), dialog.sizeHint());
-    for (QWidget* widget : dialog.findChildren<QWidget*>()) {
-        if (!widget->isVisible()) {
-            continue;
-        }
-        const QSize minimum = widget->minimumSizeHint();
-        QVERIFY2(
-            widget->width() >= minimum.width() && widget->height() >= minimum.height(),
-            qPrintable(QStringLiteral("%1 is %2x%3, needs %4x%5")
-                           .arg(widget->objectName(), QString::number(widget->width()),
-                                QString::number(widget->height()), QString::number(minimum.width()),
-                                QString::number(minimum.height()))));
-        if (widget->hasHeightForWidth()) {
-            QVERIFY2(widget->height() >= widget->heightForWidth(widget->width()),
-                     qPrintable(widget->objectName()));
-        }
-    }
-    qInfo("window %dx%d at device pixel ratio %.1f", dialog.width(), dialog.height(),
-          dialog.devicePixelRatioF());
-}
 
 QTEST_MAIN(PreferencesWindowTest)
 #include "tst_preferences_window.moc"
