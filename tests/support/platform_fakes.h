@@ -45,18 +45,13 @@ public:
 
     bool appliesToThisCopy() override { return applies; }
     LoginItemStatus status() override { return state; }
-    bool registerItem() override {
-        journal(QStringLiteral("loginItems.register"));
-        if (!failChanges) {
-            state = LoginItemStatus::Enabled;
-        }
-        return !failChanges;
-    }
-    bool unregisterItem() override {
-        journal(QStringLiteral("loginItems.unregister"));
-        if (!failChanges) {
-            state = LoginItemStatus::NotRegistered;
-        }
+    bool registerItem() override { return change("register", LoginItemStatus::Enabled); }
+    bool unregisterItem() override { return change("unregister", LoginItemStatus::NotRegistered); }
+
+private:
+    bool change(const char* call, LoginItemStatus to) {
+        journal(QStringLiteral("loginItems.") + QLatin1String(call));
+        state = failChanges ? state : to;
         return !failChanges;
     }
 };

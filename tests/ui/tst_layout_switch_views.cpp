@@ -94,10 +94,8 @@ private Q_SLOTS:
         QTest::newRow("tab") << 4 << int(Qt::Key_Tab) << none << 0 << "" << false;
         QTest::newRow("shift-tab")
             << 0 << int(Qt::Key_Backtab) << int(Qt::ShiftModifier) << 4 << "" << false;
-        QTest::newRow("return") << 3 << int(Qt::Key_Return) << none << 3 << "L3" << false;
         QTest::newRow("keypad enter")
             << 2 << int(Qt::Key_Enter) << int(Qt::KeypadModifier) << 2 << "L2" << false;
-        QTest::newRow("escape") << 2 << int(Qt::Key_Escape) << none << 2 << "" << true;
         QTest::newRow("other keys") << 2 << int(Qt::Key_A) << none << 2 << "" << false;
     }
     void keysMoveTheFocusAndPick() {
