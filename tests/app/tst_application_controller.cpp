@@ -30,11 +30,8 @@ PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault
 }
 
 struct Application {
-    explicit Application(
-        const std::optional<PaneforgeConfig>& config = PaneforgeConfig::makeDefault()) {
-        if (config) {
-            save(*config);
-        }
+    explicit Application(const PaneforgeConfig& config = PaneforgeConfig::makeDefault()) {
+        save(config);
         platform.desk.addScreen(1, {0, 0, 1440, 900}, {0, 0, 1440, 875});
         const fakes::Journal journal = [this](const QString& line) { log << line; };
         platform.setJournal(journal);
@@ -57,10 +54,6 @@ struct Application {
             ids.insert(id);
         }
         return ids;
-    }
-    void press(std::uint32_t id) {
-        platform.hotkeyApi.pressed(id);
-        scheduler.runPosted();
     }
     int indexOf(const QString& prefix, int from = 0) const {
         for (int i = from; i < log.size(); ++i) {
@@ -155,7 +148,8 @@ private Q_SLOTS:
         if (preferencesOpen) {
             app.views.statusMenu->openPreferences();
         }
-        app.press(id);
+        app.platform.hotkeyApi.pressed(id);
+        app.scheduler.runPosted();
         QVERIFY2(app.log.last().startsWith(effect), qPrintable(app.log.join('\n')));
     }
 

@@ -145,6 +145,9 @@ private Q_SLOTS:
         QVERIFY(p.getLaunchAtLogin() && p.getHideMenuBarIcon() &&
                 !p.getRestoreWindowSizeOnUnsnap());
         QCOMPARE(p.getMultiSnapModifiers(), ModifierDefinition{4096 | 512});
+        // Both rows may hold the same combination.
+        p.setMultiSnapModifiers(ModifierDefinition{0});
+        QCOMPARE(p.getMultiSnapModifiers(), ModifierDefinition{0});
     }
 
     void anUnreadableFileBecomesDefaultsPlusTheChange() {
