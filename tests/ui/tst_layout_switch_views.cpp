@@ -83,20 +83,17 @@ private Q_SLOTS:
         QTest::addColumn<int>("modifiers");
         QTest::addColumn<int>("focus");
         QTest::addColumn<QString>("picked");
-        QTest::addColumn<bool>("dismissed");
         const int none = Qt::NoModifier;
-        QTest::newRow("right on the last wraps")
-            << 4 << int(Qt::Key_Right) << none << 0 << "" << false;
-        QTest::newRow("down") << 1 << int(Qt::Key_Down) << none << 2 << "" << false;
-        QTest::newRow("left on the first wraps")
-            << -1 << int(Qt::Key_Left) << none << 4 << "" << false;
-        QTest::newRow("up") << 2 << int(Qt::Key_Up) << none << 1 << "" << false;
-        QTest::newRow("tab") << 4 << int(Qt::Key_Tab) << none << 0 << "" << false;
+        QTest::newRow("right on the last wraps") << 4 << int(Qt::Key_Right) << none << 0 << "";
+        QTest::newRow("down") << 1 << int(Qt::Key_Down) << none << 2 << "";
+        QTest::newRow("left on the first wraps") << -1 << int(Qt::Key_Left) << none << 4 << "";
+        QTest::newRow("up") << 2 << int(Qt::Key_Up) << none << 1 << "";
+        QTest::newRow("tab") << 4 << int(Qt::Key_Tab) << none << 0 << "";
         QTest::newRow("shift-tab")
-            << 0 << int(Qt::Key_Backtab) << int(Qt::ShiftModifier) << 4 << "" << false;
+            << 0 << int(Qt::Key_Backtab) << int(Qt::ShiftModifier) << 4 << "";
         QTest::newRow("keypad enter")
-            << 2 << int(Qt::Key_Enter) << int(Qt::KeypadModifier) << 2 << "L2" << false;
-        QTest::newRow("other keys") << 2 << int(Qt::Key_A) << none << 2 << "" << false;
+            << 2 << int(Qt::Key_Enter) << int(Qt::KeypadModifier) << 2 << "L2";
+        QTest::newRow("other keys") << 2 << int(Qt::Key_A) << none << 2 << "";
     }
     void keysMoveTheFocusAndPick() {
         QFETCH(int, active);
@@ -104,12 +101,11 @@ private Q_SLOTS:
         QFETCH(int, modifiers);
         QFETCH(int, focus);
         QFETCH(QString, picked);
-        QFETCH(bool, dismissed);
         Selector selector(5, active);
         QTest::keyClick(&selector.view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
         QCOMPARE(selector.view.model().focusedIndex(), focus);
         QCOMPARE(selector.picked, picked);
-        QCOMPARE(selector.dismissed, dismissed);
+        QVERIFY(!selector.dismissed); // Escape closes it: agent_shell
     }
 
     void aClickPicksTheCard() {
