@@ -1,5 +1,4 @@
 #include "app/shell/application_controller.h"
-#include "core/input/hotkey_formatter.h"
 #include "manual_scheduler.h"
 #include "platform_fakes.h"
 
@@ -22,8 +21,6 @@ Q_DECLARE_METATYPE(std::optional<bool>)
 
 namespace {
 
-const QString kLogFile = QStringLiteral("/logs/Paneforge.log");
-
 // Every hot key set: key codes 0 to 5, with Command.
 PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault()) {
     for (const HotkeySlot& slot : hotkeySlots()) {
@@ -33,11 +30,8 @@ PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault
 }
 
 struct Application {
-    explicit Application(
-        const std::optional<PaneforgeConfig>& config = PaneforgeConfig::makeDefault()) {
-        if (config) {
-            save(*config);
-        }
+    explicit Application(const PaneforgeConfig& config = PaneforgeConfig::makeDefault()) {
+        save(config);
         platform.desk.addScreen(1, {0, 0, 1440, 900}, {0, 0, 1440, 875});
         const fakes::Journal journal = [this](const QString& line) { log << line; };
         platform.setJournal(journal);
@@ -47,7 +41,7 @@ struct Application {
     ApplicationController& started() {
         controller.emplace(ApplicationServices{platform, views, scheduler, notifications, store,
                                                [this](const QString& line) { log << line; },
-                                               kLogFile,
+                                               QStringLiteral("/logs/Paneforge.log"),
                                                [this] { log << QStringLiteral("quit"); }});
         controller->start();
         return *controller;
@@ -60,10 +54,6 @@ struct Application {
             ids.insert(id);
         }
         return ids;
-    }
-    void press(std::uint32_t id) {
-        platform.hotkeyApi.pressed(id);
-        scheduler.runPosted();
     }
     int indexOf(const QString& prefix, int from = 0) const {
         for (int i = from; i < log.size(); ++i) {
@@ -92,422 +82,317 @@ const std::set<std::uint32_t> kAllIds{1, 2, 3, 4, 5, 6};
 class ApplicationControllerTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void startRunsInOrderAndArmsTheTap();
-    void hideSettingIsFollowedLive();
-    void hotkeysTriggerTheirActions_data();
-    void hotkeysTriggerTheirActions();
-    void aRefusedHotkeyLeavesTheOthers();
-    void eachNotificationReRegistersItsHotkey_data();
-    void eachNotificationReRegistersItsHotkey();
-    void menuRowsReachTheirControllers_data();
-    void menuRowsReachTheirControllers();
-    void zoneEditorSubmenuListsTheDisplays();
-    void quickStartOnceThePermissionsAreReady_data();
-    void quickStartOnceThePermissionsAreReady();
-    void recordingAHotkeyPausesTheHotkeys();
-    void preferencesChangesApplyAtOnce();
-    void callbacksDoNothingOnceTheControllerIsGone();
-    void launchAtLoginFollowsTheSystem_data();
-    void launchAtLoginFollowsTheSystem();
+    void startRunsInOrderAndArmsTheTap() {
+        Application app(
+            PaneforgeConfig::makeDefault().withOpenEditorHotkey(HotkeyDefinition{14, 256}));
+        const ApplicationController& controller = app.started();
+
+        int at = 0;
+        for (const char* step :
+             {"ApplicationController.start", "ScreenDiagnostics.appStart count=1",
+              "statusItem.made", "OpenEditor hotkey: keyCode=14 modifiers=256",
+              "HotkeyManager.register id=1 keyCode=14 modifiers=256",
+              "OpenPreferences hotkey: nil -> unregister", "HotkeyManager.unregister id=6",
+              "ScreenDiagnostics.snapStart count=1", "quickStart.present", "updater.start"}) {
+            at = app.indexOf(QString::fromUtf8(step), at);
+            QVERIFY2(at >= 0, qPrintable(QStringLiteral("missing or out of order: %1\n%2")
+                                             .arg(QString::fromUtf8(step), app.log.join('\n'))));
+        }
+        QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1}));
+        QVERIFY(controller.isEventTapInstalled());
+        // Once (that the tap feeds the snapping: agent_snapping).
+        QCOMPARE(app.platform.taps.creations, 1);
+    }
+
+    void hideSettingIsFollowedLive() {
+        Application app(allHotkeys().withHideMenuBarIcon(true));
+        const ApplicationController& controller = app.started();
+        // No icon, yet the hot keys and the snapping start.
+        QCOMPARE(app.views.statusItemsMade, 0);
+        QCOMPARE(app.registeredIds(), kAllIds);
+        QVERIFY(controller.isEventTapInstalled());
+
+        app.save(app.config().withHideMenuBarIcon(false));
+        app.notifications.post(Notification::ConfigChanged);
+        QCOMPARE(app.views.statusItemsMade, 1);
+        // The same value again: still the one icon.
+        app.notifications.post(Notification::ConfigChanged);
+        QCOMPARE(app.views.statusItemsMade, 1);
+        QVERIFY(controller.isStatusItemShown());
+
+        app.save(app.config().withHideMenuBarIcon(true));
+        app.notifications.post(Notification::ConfigChanged);
+        QVERIFY(!controller.isStatusItemShown());
+        QCOMPARE(app.log.filter("statusItem.removed").size(), 1);
+        QCOMPARE(app.registeredIds(), kAllIds);
+    }
+
+    // The hot keys that a session presses are proved there (agent_shell, agent_preferences,
+    // agent_snapping); these are the others.
+    void hotkeysTriggerTheirActions_data() {
+        QTest::addColumn<uint>("id");
+        QTest::addColumn<bool>("preferencesOpen");
+        QTest::addColumn<QString>("effect"); // the last line logged
+        // Not over the preferences, where the user may be recording a hot key.
+        QTest::newRow("open editor over the preferences")
+            << 1u << true << "ApplicationController.handleOpenEditorHotkey";
+        QTest::newRow("previous layout")
+            << 6u << false << "LayoutCycleController.cyclePrevious display=";
+    }
+    void hotkeysTriggerTheirActions() {
+        QFETCH(uint, id);
+        QFETCH(bool, preferencesOpen);
+        QFETCH(QString, effect);
+        Application app(allHotkeys());
+        app.started();
+        if (preferencesOpen) {
+            app.views.statusMenu->openPreferences();
+        }
+        app.platform.hotkeyApi.pressed(id);
+        app.scheduler.runPosted();
+        QVERIFY2(app.log.last().startsWith(effect), qPrintable(app.log.join('\n')));
+    }
+
+    void eachNotificationReRegistersItsHotkey_data() {
+        QTest::addColumn<int>("slot");
+        for (int i = 0; i < 6; ++i) {
+            QTest::addRow("id %d", i + 1) << i;
+        }
+    }
+    void eachNotificationReRegistersItsHotkey() {
+        QFETCH(int, slot);
+        const HotkeySlot& changed = hotkeySlots()[std::size_t(slot)];
+        const HotkeySlot& other = hotkeySlots()[std::size_t((slot + 1) % 6)];
+        Application app;
+        app.started();
+        QVERIFY(app.registeredIds().empty());
+
+        app.save(changed.write(app.config(), HotkeyDefinition{40, modifier_bits::kControl}));
+        app.notifications.post(other.changed);
+        QVERIFY(app.registeredIds().empty());
+        app.notifications.post(changed.changed);
+        QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{changed.id()}));
+
+        // Cleared in the file: the configuration notice takes it away.
+        app.save(changed.write(app.config(), std::nullopt));
+        app.notifications.post(Notification::ConfigChanged);
+        QVERIFY(app.registeredIds().empty());
+    }
+
+    void menuRowsReachTheirControllers_data() {
+        QTest::addColumn<Action>("row");
+        QTest::addColumn<bool>("updaterAvailable");
+        QTest::addColumn<QStringList>("effects");
+        using M = StatusMenuActions;
+        const auto row = [](const char* name, Action action, QStringList effects,
+                            bool updater = false) {
+            QTest::newRow(name) << action << updater << effects;
+        };
+        // The rows a session walks to are proved there (agent_shell, agent_onboarding). The display
+        // has no layouts yet: the selector saves one first, cycling has nothing to do.
+        const QString display = fakes::Desk::identifierFor(1).stableId();
+        row("switch layout", &M::openLayoutSelector,
+            {"LayoutSelectorController.show display=" + display + " layouts=1"});
+        row("next layout", &M::nextLayout,
+            {"LayoutCycleController.cycleNext display=" + display + " none"});
+        row("previous layout", &M::previousLayout,
+            {"LayoutCycleController.cyclePrevious display=" + display + " none"});
+        row("preferences", &M::openPreferences, {"preferences.show"});
+        row("backup", &M::backupSettings, {"backup.choose"});
+        row("updates, none here", &M::checkForUpdates,
+            {"updater.check", "alert Check for Updates: no updater here"});
+        row("updates", &M::checkForUpdates, {"updater.check"}, true);
+        row("quit", &M::quit, {"quit"});
+    }
+    void menuRowsReachTheirControllers() {
+        QFETCH(Action, row);
+        QFETCH(bool, updaterAvailable);
+        QFETCH(QStringList, effects);
+        Application app;
+        app.platform.updates.available = updaterAvailable;
+        app.started();
+        const int before = int(app.log.size());
+        ((*app.views.statusMenu).*row)();
+        QStringList actual = app.log.mid(before);
+        actual.replaceInStrings(QStringLiteral(": not built yet"), QString());
+        QCOMPARE(actual, effects);
+    }
+
+    void zoneEditorSubmenuListsTheDisplays() {
+        Application app;
+        app.started();
+        // Displays connected later show up at the next opening; ids beyond 31 bits come back whole.
+        app.platform.desk.addScreen(0xFFFFFFF0u, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+        const auto displays = app.views.statusMenu->displays();
+        QCOMPARE(displays.size(), std::size_t{2});
+        QCOMPARE(displays[1].title, QStringLiteral("4294967280"));
+        QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
+        app.views.statusMenu->openZoneEditorForDisplay(displays[1].displayId);
+        QCOMPARE(app.views.editors.open().size(), std::size_t{1});
+        QCOMPARE(app.views.editors.open().front()->model->visibleFrame(),
+                 DesktopRect(1440, 0, 1440, 900));
+    }
+
+    void quickStartOnceThePermissionsAreReady_data() {
+        QTest::addColumn<std::optional<bool>>("completed");
+        QTest::newRow("not completed") << std::optional<bool>(false);
+        QTest::newRow("from before the guide") << std::optional<bool>();
+    }
+    void quickStartOnceThePermissionsAreReady() {
+        QFETCH(std::optional<bool>, completed);
+        ConfigSnapshot snapshot = PaneforgeConfig::makeDefault().snapshot();
+        snapshot.hasCompletedQuickStart = completed;
+        Application app{PaneforgeConfig(snapshot)};
+        app.platform.windowList.trusted = false;
+        app.started();
+        QVERIFY(!app.controller->isQuickStartShown());
+
+        app.platform.windowList.trusted = true;
+        app.scheduler.advance(PrivacyPermissionGate::watchdogIntervalSeconds);
+        QCOMPARE(app.controller->isQuickStartShown(), completed == false);
+        if (app.controller->isQuickStartShown()) {
+            // Closed however, it counts as completed.
+            app.views.quickStart->dismiss();
+            QCOMPARE(app.config().hasCompletedQuickStart(), std::optional<bool>(true));
+        }
+    }
+
+    void recordingAHotkeyPausesTheHotkeys() {
+        Application app(allHotkeys());
+        app.started();
+        app.views.statusMenu->openPreferences();
+        // While a combination is recorded, no hot key holds the keyboard, whatever is announced;
+        // cancelled, they are back as they were (a recorded one: agent_preferences).
+        app.views.preferences->events.recordHotkeyClicked(HotkeySlotId::MoveToNextDisplay);
+        QVERIFY(app.registeredIds().empty());
+        app.notifications.post(Notification::ConfigChanged);
+        QVERIFY(app.registeredIds().empty());
+        QVERIFY(app.views.keyMonitor.press(53, 0));
+        QCOMPARE(app.registeredIds(), kAllIds);
+    }
+
+    void callbacksDoNothingOnceTheControllerIsGone() {
+        Application app(allHotkeys());
+        app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
+        app.platform.windowList.add(7, {100, 100, 400, 300});
+        app.started();
+        app.platform.hotkeyApi.pressed(4); // its action waits for the event loop
+        app.controller.reset();
+        app.scheduler.runPosted();
+        app.views.statusMenu->quit();
+        QVERIFY(app.platform.windowList.setFrameCalls.empty());
+        QVERIFY(!app.log.contains(QStringLiteral("quit")));
+        QVERIFY(app.views.statusMenu->displays().empty());
+    }
+
+    void launchAtLoginFollowsTheSystem_data() {
+        QTest::addColumn<bool>("applies");
+        QTest::addColumn<LoginItemStatus>("system");
+        QTest::addColumn<bool>("stored");
+        QTest::addColumn<bool>("failChanges");
+        QTest::addColumn<bool>("afterStart");
+        QTest::addColumn<bool>("later");
+        QTest::addColumn<QStringList>("calls");
+        using S = LoginItemStatus;
+        const QStringList none;
+        const QStringList registers{"loginItems.register"};
+        const QStringList unregisters{"loginItems.unregister"};
+        QTest::newRow("outside a bundle nothing is touched")
+            << false << S::Enabled << false << false << false << true << none;
+        QTest::newRow("the system wins at start")
+            << true << S::NotRegistered << true << false << false << true << registers;
+        QTest::newRow("a login item added in the system settings")
+            << true << S::Enabled << false << false << true << false << unregisters;
+        QTest::newRow("awaiting approval counts as registered")
+            << true << S::RequiresApproval << true << false << true << true << none;
+        QTest::newRow("awaiting approval, then turned off")
+            << true << S::RequiresApproval << true << false << true << false << unregisters;
+        QTest::newRow("not found counts as off")
+            << true << S::NotFound << true << false << false << true << registers;
+        QTest::newRow("a refused change is not retried")
+            << true << S::NotRegistered << false << true << false << true << registers;
+    }
+    void launchAtLoginFollowsTheSystem() {
+        QFETCH(bool, applies);
+        QFETCH(LoginItemStatus, system);
+        QFETCH(bool, stored);
+        QFETCH(bool, failChanges);
+        QFETCH(bool, afterStart);
+        QFETCH(bool, later);
+        QFETCH(QStringList, calls);
+        Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+        app.platform.logins.applies = applies;
+        app.platform.logins.state = system;
+        app.platform.logins.failChanges = failChanges;
+        app.started();
+        QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+        QVERIFY(app.log.filter("loginItems.").isEmpty());
+
+        // The preference changes; a second notice of the same value changes nothing more.
+        app.save(app.config().withLaunchAtLogin(later));
+        app.notifications.post(Notification::ConfigChanged);
+        app.notifications.post(Notification::ConfigChanged);
+        QCOMPARE(app.log.filter("loginItems."), calls);
+    }
 #if defined(PANEFORGE_TEST_XDG_AUTOSTART)
-    void xdgAutostartEntry_data();
-    void xdgAutostartEntry();
+    void xdgAutostartEntry_data() {
+        QTest::addColumn<QString>("executable");
+        QTest::addColumn<QString>("entry"); // the autostart file at start; empty for none
+        QTest::addColumn<bool>("stored");
+        QTest::addColumn<bool>("afterStart");
+        QTest::addColumn<bool>("later");
+        QTest::addColumn<QString>("line"); // in the file at the end; empty: no file
+        const QString enabled = "[Desktop Entry]\nType=Application\nExec=/usr/bin/paneforge\n";
+        QTest::newRow("installed, turned on")
+            << "/usr/bin/paneforge"
+            << "" << false << false << true << "Exec=/usr/bin/paneforge";
+        QTest::newRow("installed, turned off")
+            << "/usr/bin/paneforge" << enabled << true << true << false << "";
+        QTest::newRow("switched off in the desktop's settings")
+            << "/usr/local/bin/paneforge"
+            << "[Desktop Entry]\nExec=paneforge\nHidden=true\n"
+            << true << false << true << "Exec=/usr/local/bin/paneforge";
+        QTest::newRow("switched off in GNOME's settings")
+            << "/usr/bin/paneforge"
+            << "[Desktop Entry]\nX-GNOME-Autostart-enabled=false\n"
+            << true << false << false << "X-GNOME-Autostart-enabled=false";
+        // A build tree never touches it: agent_shell.
+        QTest::newRow("under /opt, quoted")
+            << "/opt/Pane forge/bin/paneforge"
+            << "" << false << false << true << "Exec=\"/opt/Pane forge/bin/paneforge\"";
+    }
+    void xdgAutostartEntry() {
+        QFETCH(QString, executable);
+        QFETCH(QString, entry);
+        QFETCH(bool, stored);
+        QFETCH(bool, afterStart);
+        QFETCH(bool, later);
+        QFETCH(QString, line);
+        QTemporaryDir home;
+        const QString autostart = home.filePath(".config/autostart");
+        XdgAutostartLoginItem loginItem(autostart, executable, home.path());
+        if (!entry.isEmpty()) {
+            QVERIFY(QDir().mkpath(autostart));
+            QFile file(loginItem.entryPath());
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(entry.toUtf8());
+        }
+        Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
+        app.platform.loginService = &loginItem;
+        app.started();
+        QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
+
+        app.save(app.config().withLaunchAtLogin(later));
+        app.notifications.post(Notification::ConfigChanged);
+        QFile file(loginItem.entryPath());
+        QCOMPARE(file.exists(), !line.isEmpty());
+        if (file.open(QIODevice::ReadOnly)) {
+            const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+            QVERIFY2(lines.contains(line), qPrintable(lines.join('\n')));
+        }
+    }
 #endif
 };
-
-void ApplicationControllerTest::startRunsInOrderAndArmsTheTap() {
-    Application app(PaneforgeConfig::makeDefault().withOpenEditorHotkey(HotkeyDefinition{14, 256}));
-    const ApplicationController& controller = app.started();
-
-    int at = 0;
-    for (const char* step :
-         {"ApplicationController.start", "ScreenDiagnostics.appStart count=1", "statusItem.made",
-          "OpenEditor hotkey: keyCode=14 modifiers=256",
-          "HotkeyManager.register id=1 keyCode=14 modifiers=256",
-          "OpenPreferences hotkey: nil -> unregister", "HotkeyManager.unregister id=6",
-          "ScreenDiagnostics.snapStart count=1", "quickStart.present", "updater.start"}) {
-        at = app.indexOf(QString::fromUtf8(step), at);
-        QVERIFY2(at >= 0, qPrintable(QStringLiteral("missing or out of order: %1\n%2")
-                                         .arg(QString::fromUtf8(step), app.log.join('\n'))));
-    }
-    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1}));
-    QVERIFY(controller.isEventTapInstalled());
-    QCOMPARE(app.platform.taps.creations, 1);
-
-    // The tap feeds the snap controller: a drag with the combination shows the overlay.
-    app.platform.windowList.add(7, {100, 100, 400, 300});
-    app.platform.desk.pointer = {200, 390};
-    app.platform.taps.handler({InputEvent::LeftMouseDown, app.platform.desk.pointer, 0});
-    app.platform.taps.handler(
-        {InputEvent::FlagsChanged, app.platform.desk.pointer, ModifierMapper::kCommandFlag});
-    QCOMPARE(app.views.overlays.built.size(), std::size_t{1});
-}
-
-void ApplicationControllerTest::hideSettingIsFollowedLive() {
-    Application app(allHotkeys().withHideMenuBarIcon(true));
-    const ApplicationController& controller = app.started();
-    // No icon, yet the hot keys and the snapping start.
-    QCOMPARE(app.views.statusItemsMade, 0);
-    QCOMPARE(app.registeredIds(), kAllIds);
-    QVERIFY(controller.isEventTapInstalled());
-
-    app.save(app.config().withHideMenuBarIcon(false));
-    app.notifications.post(Notification::ConfigChanged);
-    QCOMPARE(app.views.statusItemsMade, 1);
-    // The same value again: still the one icon.
-    app.notifications.post(Notification::ConfigChanged);
-    QCOMPARE(app.views.statusItemsMade, 1);
-    QVERIFY(controller.isStatusItemShown());
-
-    app.save(app.config().withHideMenuBarIcon(true));
-    app.notifications.post(Notification::ConfigChanged);
-    QVERIFY(!controller.isStatusItemShown());
-    QCOMPARE(app.log.filter("statusItem.removed").size(), 1);
-    QCOMPARE(app.registeredIds(), kAllIds);
-}
-
-void ApplicationControllerTest::hotkeysTriggerTheirActions_data() {
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<bool>("preferencesOpen");
-    QTest::addColumn<QString>("effect"); // empty: the focused window moves to the next display
-    // On the display under the pointer.
-    QTest::newRow("open editor") << 1u << false << "GridEditorController.showEditor displayId=1 ";
-    // Not over the preferences, where the user may be recording a hot key.
-    QTest::newRow("open editor over the preferences")
-        << 1u << true << "ApplicationController.handleOpenEditorHotkey";
-    QTest::newRow("open preferences") << 2u << false << "preferences.show";
-    QTest::newRow("layout selector") << 3u << false << "LayoutSelectorController.show display=";
-    QTest::newRow("move to next display") << 4u << false << "";
-    QTest::newRow("next layout") << 5u << false << "LayoutCycleController.cycleNext display=";
-    QTest::newRow("previous layout")
-        << 6u << false << "LayoutCycleController.cyclePrevious display=";
-}
-
-void ApplicationControllerTest::hotkeysTriggerTheirActions() {
-    QFETCH(uint, id);
-    QFETCH(bool, preferencesOpen);
-    QFETCH(QString, effect);
-    Application app(allHotkeys());
-    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
-    app.platform.windowList.add(7, {100, 100, 400, 300});
-    app.started();
-    QCOMPARE(app.registeredIds(), kAllIds);
-    if (preferencesOpen) {
-        app.views.statusMenu->openPreferences();
-    }
-
-    app.press(id);
-    if (effect.isEmpty()) {
-        QCOMPARE(app.platform.windowList.setFrameCalls.size(), std::size_t{1});
-        QVERIFY(app.platform.windowList.setFrameCalls.front().frame.minX() >= 1440);
-    } else {
-        // Nothing comes after the effect.
-        QVERIFY2(app.log.last().startsWith(effect), qPrintable(app.log.join('\n')));
-        QVERIFY(app.platform.windowList.setFrameCalls.empty());
-    }
-}
-
-void ApplicationControllerTest::aRefusedHotkeyLeavesTheOthers() {
-    Application app(allHotkeys());
-    app.platform.hotkeyApi.takenKeys = {2}; // id 3's key
-    app.started();
-    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1, 2, 4, 5, 6}));
-    QVERIFY(app.log.contains(QStringLiteral("RegisterEventHotKey failed: taken (id=3)")));
-}
-
-void ApplicationControllerTest::eachNotificationReRegistersItsHotkey_data() {
-    QTest::addColumn<int>("slot");
-    for (int i = 0; i < 6; ++i) {
-        QTest::addRow("id %d", i + 1) << i;
-    }
-}
-
-void ApplicationControllerTest::eachNotificationReRegistersItsHotkey() {
-    QFETCH(int, slot);
-    const HotkeySlot& changed = hotkeySlots()[std::size_t(slot)];
-    const HotkeySlot& other = hotkeySlots()[std::size_t((slot + 1) % 6)];
-    Application app;
-    app.started();
-    QVERIFY(app.registeredIds().empty());
-
-    app.save(changed.write(app.config(), HotkeyDefinition{40, modifier_bits::kControl}));
-    app.notifications.post(other.changed);
-    QVERIFY(app.registeredIds().empty());
-    app.notifications.post(changed.changed);
-    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{changed.id()}));
-
-    // Cleared in the file: the configuration notice takes it away.
-    app.save(changed.write(app.config(), std::nullopt));
-    app.notifications.post(Notification::ConfigChanged);
-    QVERIFY(app.registeredIds().empty());
-}
-
-void ApplicationControllerTest::recordingAHotkeyPausesTheHotkeys() {
-    Application app(allHotkeys());
-    app.started();
-    app.views.statusMenu->openPreferences();
-    QCOMPARE(app.registeredIds(), kAllIds);
-
-    // While a combination is recorded, no hot key holds the keyboard, whatever is announced.
-    app.views.preferences->events.recordHotkeyClicked(HotkeySlotId::MoveToNextDisplay);
-    QVERIFY(app.registeredIds().empty());
-    app.notifications.post(Notification::ConfigChanged);
-    QVERIFY(app.registeredIds().empty());
-
-    // Recorded: all six are back, the new combination among them.
-    const int from = int(app.log.size());
-    QVERIFY(app.views.keyMonitor.press(45, 6144));
-    QCOMPARE(app.registeredIds(), kAllIds);
-    QCOMPARE(app.config().moveToNextDisplayHotkey(), std::optional(HotkeyDefinition{45, 6144}));
-    QVERIFY2(app.indexOf("HotkeyManager.register id=4 keyCode=45 modifiers=6144", from) >= 0,
-             qPrintable(app.log.join('\n')));
-    QVERIFY(app.indexOf("ApplicationController.pauseHotkeysWhileRecording recording=false", from) >=
-            0);
-
-    // Escape cancels and brings them back as they were.
-    app.views.preferences->events.recordHotkeyClicked(HotkeySlotId::OpenEditor);
-    QVERIFY(app.registeredIds().empty());
-    QVERIFY(app.views.keyMonitor.press(53, 0));
-    QCOMPARE(app.registeredIds(), kAllIds);
-}
-
-void ApplicationControllerTest::preferencesChangesApplyAtOnce() {
-    Application app(allHotkeys());
-    app.started();
-    app.views.statusMenu->openPreferences();
-    PreferencesFormEvents& events = app.views.preferences->events;
-    QVERIFY(app.controller->isStatusItemShown());
-    events.hideMenuBarIconChanged(true);
-    QVERIFY(!app.controller->isStatusItemShown());
-    events.hideMenuBarIconChanged(false);
-    QVERIFY(app.controller->isStatusItemShown());
-
-    // A cleared hot key stops at once.
-    events.clearHotkeyClicked(HotkeySlotId::NextLayout);
-    QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1, 2, 3, 4, 6}));
-}
-
-void ApplicationControllerTest::menuRowsReachTheirControllers_data() {
-    QTest::addColumn<Action>("row");
-    QTest::addColumn<bool>("updaterAvailable");
-    QTest::addColumn<QStringList>("effects");
-    using M = StatusMenuActions;
-    const auto row = [](const char* name, Action action, QStringList effects,
-                        bool updater = false) {
-        QTest::newRow(name) << action << updater << effects;
-    };
-    // The display has no layouts yet: the selector saves one first, cycling has nothing to do.
-    const QString display = fakes::Desk::identifierFor(1).stableId();
-    row("switch layout", &M::openLayoutSelector,
-        {"LayoutSelectorController.show display=" + display + " layouts=1"});
-    row("next layout", &M::nextLayout,
-        {"LayoutCycleController.cycleNext display=" + display + " none"});
-    row("previous layout", &M::previousLayout,
-        {"LayoutCycleController.cyclePrevious display=" + display + " none"});
-    row("preferences", &M::openPreferences, {"preferences.show"});
-    row("backup", &M::backupSettings, {"backup.choose"});
-    row("restore", &M::restoreSettings, {"restore.choose"});
-    row("quick start", &M::openQuickStart, {"quickStart.present"});
-    row("reveal log file", &M::revealLogFile,
-        {"ApplicationController.revealLogFile path=/logs/Paneforge.log",
-         "reveal /logs/Paneforge.log"});
-    row("updates, none here", &M::checkForUpdates,
-        {"updater.check", "alert Check for Updates: no updater here"});
-    row("updates", &M::checkForUpdates, {"updater.check"}, true);
-    row("about", &M::openAbout, {"about.show"});
-    row("quit", &M::quit, {"quit"});
-}
-
-void ApplicationControllerTest::menuRowsReachTheirControllers() {
-    QFETCH(Action, row);
-    QFETCH(bool, updaterAvailable);
-    QFETCH(QStringList, effects);
-    Application app;
-    app.platform.updates.available = updaterAvailable;
-    app.started();
-    const int before = int(app.log.size());
-    ((*app.views.statusMenu).*row)();
-    QStringList actual = app.log.mid(before);
-    actual.replaceInStrings(QStringLiteral(": not built yet"), QString());
-    QCOMPARE(actual, effects);
-}
-
-void ApplicationControllerTest::zoneEditorSubmenuListsTheDisplays() {
-    Application app;
-    app.platform.desk.addScreen(0xFFFFFFF0u, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
-    app.started();
-    const auto displays = app.views.statusMenu->displays();
-    QCOMPARE(displays.size(), std::size_t{2});
-    QCOMPARE(displays[1].displayId, 0xFFFFFFF0u);
-    QCOMPARE(displays[1].title, QStringLiteral("4294967280"));
-    QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
-    app.views.statusMenu->openZoneEditorForDisplay(0xFFFFFFF0u);
-    QVERIFY2(app.log.last().startsWith(
-                 QStringLiteral("GridEditorController.showEditor displayId=4294967280 display=") +
-                 fakes::Desk::identifierFor(0xFFFFFFF0u).stableId()),
-             qPrintable(app.log.join('\n')));
-    QCOMPARE(app.views.editors.open().size(), std::size_t{1});
-    QCOMPARE(app.views.editors.open().front()->model->visibleFrame(),
-             DesktopRect(1440, 0, 1440, 900));
-    // Displays connected later show up at the next opening.
-    app.platform.desk.addScreen(5, {0, 900, 1440, 900}, {0, 900, 1440, 900});
-    QCOMPARE(app.views.statusMenu->displays().size(), std::size_t{3});
-}
-
-void ApplicationControllerTest::quickStartOnceThePermissionsAreReady_data() {
-    QTest::addColumn<std::optional<bool>>("completed");
-    QTest::newRow("not completed") << std::optional<bool>(false);
-    QTest::newRow("completed") << std::optional<bool>(true);
-    QTest::newRow("from before the guide") << std::optional<bool>();
-}
-
-void ApplicationControllerTest::quickStartOnceThePermissionsAreReady() {
-    QFETCH(std::optional<bool>, completed);
-    ConfigSnapshot snapshot = PaneforgeConfig::makeDefault().snapshot();
-    snapshot.hasCompletedQuickStart = completed;
-    Application app{PaneforgeConfig(snapshot)};
-    app.platform.windowList.trusted = false;
-    app.started();
-    QVERIFY(!app.controller->isQuickStartShown());
-
-    app.platform.windowList.trusted = true;
-    app.scheduler.advance(PrivacyPermissionGate::watchdogIntervalSeconds);
-    QCOMPARE(app.controller->isQuickStartShown(), completed == false);
-    if (app.controller->isQuickStartShown()) {
-        // Closed however, it counts as completed.
-        app.views.quickStart->dismiss();
-        QCOMPARE(app.config().hasCompletedQuickStart(), std::optional<bool>(true));
-    }
-}
-
-void ApplicationControllerTest::callbacksDoNothingOnceTheControllerIsGone() {
-    Application app(allHotkeys());
-    app.platform.desk.addScreen(2, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
-    app.platform.windowList.add(7, {100, 100, 400, 300});
-    app.started();
-    app.platform.hotkeyApi.pressed(4); // its action waits for the event loop
-    app.controller.reset();
-    app.scheduler.runPosted();
-    app.views.statusMenu->quit();
-    QVERIFY(app.platform.windowList.setFrameCalls.empty());
-    QVERIFY(!app.log.contains(QStringLiteral("quit")));
-    QVERIFY(app.views.statusMenu->displays().empty());
-}
-
-void ApplicationControllerTest::launchAtLoginFollowsTheSystem_data() {
-    QTest::addColumn<bool>("applies");
-    QTest::addColumn<LoginItemStatus>("system");
-    QTest::addColumn<bool>("stored");
-    QTest::addColumn<bool>("failChanges");
-    QTest::addColumn<bool>("afterStart");
-    QTest::addColumn<bool>("later");
-    QTest::addColumn<QStringList>("calls");
-    using S = LoginItemStatus;
-    const QStringList none;
-    const QStringList registers{"loginItems.register"};
-    const QStringList unregisters{"loginItems.unregister"};
-    QTest::newRow("outside a bundle nothing is touched")
-        << false << S::Enabled << false << false << false << true << none;
-    QTest::newRow("the system wins at start")
-        << true << S::NotRegistered << true << false << false << true << registers;
-    QTest::newRow("a login item added in the system settings")
-        << true << S::Enabled << false << false << true << false << unregisters;
-    QTest::newRow("awaiting approval counts as registered")
-        << true << S::RequiresApproval << true << false << true << true << none;
-    QTest::newRow("awaiting approval, then turned off")
-        << true << S::RequiresApproval << true << false << true << false << unregisters;
-    QTest::newRow("not found counts as off")
-        << true << S::NotFound << true << false << false << true << registers;
-    QTest::newRow("a refused change is not retried")
-        << true << S::NotRegistered << false << true << false << true << registers;
-}
-
-void ApplicationControllerTest::launchAtLoginFollowsTheSystem() {
-    QFETCH(bool, applies);
-    QFETCH(LoginItemStatus, system);
-    QFETCH(bool, stored);
-    QFETCH(bool, failChanges);
-    QFETCH(bool, afterStart);
-    QFETCH(bool, later);
-    QFETCH(QStringList, calls);
-    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
-    app.platform.logins.applies = applies;
-    app.platform.logins.state = system;
-    app.platform.logins.failChanges = failChanges;
-    app.started();
-    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
-    QVERIFY(app.log.filter("loginItems.").isEmpty());
-
-    // The preference changes; a second notice of the same value changes nothing more.
-    app.save(app.config().withLaunchAtLogin(later));
-    app.notifications.post(Notification::ConfigChanged);
-    app.notifications.post(Notification::ConfigChanged);
-    QCOMPARE(app.log.filter("loginItems."), calls);
-}
-
-#if defined(PANEFORGE_TEST_XDG_AUTOSTART)
-void ApplicationControllerTest::xdgAutostartEntry_data() {
-    QTest::addColumn<QString>("executable"); // "<home>" stands for the home folder
-    QTest::addColumn<QString>("entry");      // the autostart file at start; empty for none
-    QTest::addColumn<bool>("stored");
-    QTest::addColumn<bool>("afterStart");
-    QTest::addColumn<bool>("later");
-    QTest::addColumn<QString>("line"); // in the file at the end; empty: no file
-    const QString enabled = "[Desktop Entry]\nType=Application\nExec=/usr/bin/paneforge\n";
-    QTest::newRow("installed, turned on")
-        << "/usr/bin/paneforge"
-        << "" << false << false << true << "Exec=/usr/bin/paneforge";
-    QTest::newRow("installed, turned off")
-        << "/usr/bin/paneforge" << enabled << true << true << false << "";
-    QTest::newRow("switched off in the desktop's settings")
-        << "/usr/local/bin/paneforge"
-        << "[Desktop Entry]\nExec=paneforge\nHidden=true\n"
-        << true << false << true << "Exec=/usr/local/bin/paneforge";
-    QTest::newRow("switched off in GNOME's settings")
-        << "/usr/bin/paneforge"
-        << "[Desktop Entry]\nX-GNOME-Autostart-enabled=false\n"
-        << true << false << false << "X-GNOME-Autostart-enabled=false";
-    QTest::newRow("under /opt, quoted")
-        << "/opt/Pane forge/bin/paneforge"
-        << "" << false << false << true << "Exec=\"/opt/Pane forge/bin/paneforge\"";
-    QTest::newRow("a build tree never touches it")
-        << "<home>/src/paneforge/build/default/src/paneforge" << enabled << false << false << true
-        << "Exec=/usr/bin/paneforge";
-}
-
-void ApplicationControllerTest::xdgAutostartEntry() {
-    QFETCH(QString, executable);
-    QFETCH(QString, entry);
-    QFETCH(bool, stored);
-    QFETCH(bool, afterStart);
-    QFETCH(bool, later);
-    QFETCH(QString, line);
-    QTemporaryDir home;
-    executable.replace("<home>", home.path());
-    line.replace("<home>", home.path());
-    const QString autostart = home.filePath(".config/autostart");
-    XdgAutostartLoginItem loginItem(autostart, executable, home.path());
-    if (!entry.isEmpty()) {
-        QVERIFY(QDir().mkpath(autostart));
-        QFile file(loginItem.entryPath());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(entry.toUtf8());
-    }
-    Application app(PaneforgeConfig::makeDefault().withLaunchAtLogin(stored));
-    app.platform.loginService = &loginItem;
-    app.started();
-    QCOMPARE(app.config().launchAtLogin(), std::optional<bool>(afterStart));
-
-    app.save(app.config().withLaunchAtLogin(later));
-    app.notifications.post(Notification::ConfigChanged);
-    QFile file(loginItem.entryPath());
-    QCOMPARE(file.exists(), !line.isEmpty());
-    if (file.open(QIODevice::ReadOnly)) {
-        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-        QVERIFY2(lines.contains(line), qPrintable(lines.join('\n')));
-    }
-}
-#endif
 
 QTEST_GUILESS_MAIN(ApplicationControllerTest)
 #include "tst_application_controller.moc"

@@ -1,45 +1,21 @@
 #pragma once
 
 // A whole platform and view factory of fakes, for the application controller: the desk, windows
-// and event tap of snap_fakes.h plus hot keys, keyboard layout, native windows, the shell's
-// services and windows. The shell's fakes write what they are asked into one journal, so that a
-// test reads the order of everything from one list.
+// and event tap of snap_fakes.h, the hot keys of input_fakes.h, plus keyboard layout, native
+// windows, the shell's services and windows. The shell's fakes write what they are asked into one
+// journal, so that a test reads the order of everything from one list.
 
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
-#include "key_down_monitor_fake.h"
+#include "input_fakes.h"
 #include "layout_switch_fakes.h"
 #include "snap_fakes.h"
 
-#include <map>
 #include <optional>
 
 namespace fakes {
 
 using namespace paneforge;
-
-// Hot keys that register unless their key code is listed as taken.
-class Hotkeys final : public HotkeyApi {
-public:
-    std::function<void(std::uint32_t)> pressed;
-    std::map<std::uint64_t, std::uint32_t> registered; // handle -> id
-    std::vector<std::uint32_t> takenKeys;
-    std::uint64_t nextHandle = 1;
-
-    void installHandler(std::function<void(std::uint32_t)> onPressed) override {
-        pressed = std::move(onPressed);
-    }
-    void removeHandler() override { pressed = nullptr; }
-    Registration registerHotKey(std::uint32_t keyCode, std::uint32_t, std::uint32_t,
-                                std::uint32_t id) override {
-        if (std::find(takenKeys.begin(), takenKeys.end(), keyCode) != takenKeys.end()) {
-            return {Result::Taken, std::nullopt, QStringLiteral("taken")};
-        }
-        registered[nextHandle] = id;
-        return {Result::Registered, nextHandle++, {}};
-    }
-    void unregisterHotKey(std::uint64_t handle) override { registered.erase(handle); }
-};
 
 class NoKeyboardLayout final : public KeyboardLayoutProvider, public KeyboardKeyTranslator {
 public:
@@ -69,18 +45,13 @@ public:
 
     bool appliesToThisCopy() override { return applies; }
     LoginItemStatus status() override { return state; }
-    bool registerItem() override {
-        journal(QStringLiteral("loginItems.register"));
-        if (!failChanges) {
-            state = LoginItemStatus::Enabled;
-        }
-        return !failChanges;
-    }
-    bool unregisterItem() override {
-        journal(QStringLiteral("loginItems.unregister"));
-        if (!failChanges) {
-            state = LoginItemStatus::NotRegistered;
-        }
+    bool registerItem() override { return change("register", LoginItemStatus::Enabled); }
+    bool unregisterItem() override { return change("unregister", LoginItemStatus::NotRegistered); }
+
+private:
+    bool change(const char* call, LoginItemStatus to) {
+        journal(QStringLiteral("loginItems.") + QLatin1String(call));
+        state = failChanges ? state : to;
         return !failChanges;
     }
 };
@@ -147,7 +118,6 @@ public:
     Revealer revealer;
     Permissions privacy;
     LoginItemService* loginService = &logins; // a test may put the real one of a platform here
-    std::function<void()> terminationQuit;
 
     void setJournal(const Journal& journal) {
         logins.journal = journal;
@@ -170,9 +140,7 @@ public:
     FileRevealer& fileRevealer() override { return revealer; }
     PermissionSource& permissions() override { return privacy; }
     void becomeMenuBarAgent() override {}
-    void quitOnTerminationSignals(std::function<void()> quit) override {
-        terminationQuit = std::move(quit);
-    }
+    void quitOnTerminationSignals(std::function<void()>) override {}
 };
 
 class StatusItem final : public StatusItemView {
@@ -272,7 +240,6 @@ public:
     std::optional<QString> source;
     bool confirm = false;
     QString suggestedName;
-    std::optional<SettingsBackupPreview> shownPreview;
 
     std::optional<QString> chooseBackupDestination(const QString& suggested) override {
         journal(QStringLiteral("backup.choose"));
@@ -283,9 +250,8 @@ public:
         journal(QStringLiteral("restore.choose"));
         return source;
     }
-    bool confirmRestore(const SettingsBackupPreview& preview) override {
+    bool confirmRestore(const SettingsBackupPreview&) override {
         journal(QStringLiteral("restore.preview"));
-        shownPreview = preview;
         return confirm;
     }
     void showWarning(const QString& title, const QString& reason) override {
@@ -373,7 +339,6 @@ public:
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
     std::optional<StatusMenuActions> statusMenu;
     PreferencesWindow* preferences = nullptr; // owned by the caller, made on first show
-    std::optional<QString> keyWindow;
 
     SnapOverlayFactory& snapOverlays() override { return overlays; }
     GridEditorWindowFactory& gridEditors() override { return editors; }
@@ -399,7 +364,7 @@ public:
         return backups;
     }
     KeyDownMonitorApi& keyDownMonitor() override { return keyMonitor; }
-    std::optional<QString> keyWindowTitle() override { return keyWindow; }
+    std::optional<QString> keyWindowTitle() override { return std::nullopt; }
     LayoutSwitchViews& layoutSwitchViews() override { return layoutSwitch; }
     QuickStartWindow* quickStart = nullptr; // owned by the caller
     Coach* coach = nullptr;                 // owned by the caller

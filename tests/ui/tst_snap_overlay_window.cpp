@@ -1,8 +1,16 @@
+// The snap overlay: its model (desktop to view coordinates, outlines, fills and mask for any
+// margin) and its window (what it draws, its shape without a compositor, its native hook).
+
+#include "core/geometry/cell_frame_calculator.h"
+#include "core/geometry/grid_calculator.h"
+#include "ui/snap_overlay_model.h"
 #include "ui/snap_overlay_window.h"
 
 #include <QApplication>
 #include <QImage>
 #include <QTest>
+#include <cmath>
+#include <limits>
 
 using namespace paneforge;
 
@@ -30,83 +38,149 @@ QImage render(SnapOverlayView& view) {
 class SnapOverlayWindowTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void coversTheVisibleFrame();
-    void rendersOutlinesAndFill();
-    void shapedWithoutCompositor();
-    void nativeHookRunsWhenShown();
+    void desktopToView_data() {
+        QTest::addColumn<DesktopRect>("desktop");
+        QTest::addColumn<QRectF>("primary");
+        QTest::addColumn<QPointF>("windowOrigin");
+        QTest::addColumn<QRectF>("expected");
+        const auto row = [](const char* tag, DesktopRect desktop, QRectF primary, QPointF origin,
+                            QRectF expected) {
+            QTest::newRow(tag) << desktop << primary << origin << expected;
+        };
+        const QRectF primary(0, 0, 1000, 800);
+        row("primary, window at origin", {0, 0, 100, 50}, primary, {0, 0}, {0, 750, 100, 50});
+        row("top of primary", {10, 700, 100, 100}, primary, {0, 0}, {10, 0, 100, 100});
+        row("window offset", {10, 700, 100, 100}, primary, {5, 20}, {5, -20, 100, 100});
+        row("display above primary", {0, 800, 200, 100}, primary, {0, -100}, {0, 0, 200, 100});
+        row("primary top edge not zero", {0, 0, 100, 50}, {0, 300, 1000, 800}, {0, 0},
+            {0, 1050, 100, 50});
+    }
+    void desktopToView() {
+        QFETCH(DesktopRect, desktop);
+        QFETCH(QRectF, primary);
+        QFETCH(QPointF, windowOrigin);
+        QFETCH(QRectF, expected);
+        QCOMPARE(paneforge::desktopToView(desktop, primary, windowOrigin), expected);
+    }
+
+    // The configuration keeps any margin as written. Laid out and drawn the way the snap controller
+    // and the overlay window do it, a 2 x 2 layout on a 1920 x 1080 display must still draw inside
+    // the view (the mask's pixel arithmetic overflowed, an abort under UBSan) and give a window a
+    // frame on the display or none at all (windows went to 65535 x 65535 off screen, or to 3 x 26
+    // pixels).
+    void extremeMarginsStayOnTheDisplay_data() {
+        QTest::addColumn<double>("margin");
+        QTest::addColumn<QRectF>("wholeLayout"); // the target when every zone is chosen; null: none
+        QTest::addColumn<QRectF>("topLeftZone");
+        const QRectF display(0, 0, 1920, 1080);
+        QTest::newRow("usual") << 8.0 << QRectF(8, 8, 1904, 1064) << QRectF(8, 544, 948, 528);
+        QTest::newRow("-2e9") << -2e9 << display << display;
+        QTest::newRow("-1e300") << -1e300 << display << display;
+        QTest::newRow("-infinity")
+            << -std::numeric_limits<double>::infinity() << display << display;
+        QTest::newRow("1e100") << 1e100 << QRectF() << QRectF();
+        QTest::newRow("largest double")
+            << std::numeric_limits<double>::max() << QRectF() << QRectF();
+        QTest::newRow("not a number") << std::nan("") << display << QRectF(0, 540, 960, 540);
+    }
+    void extremeMarginsStayOnTheDisplay() {
+        QFETCH(double, margin);
+        QFETCH(QRectF, wholeLayout);
+        QFETCH(QRectF, topLeftZone);
+        const DesktopRect visible(0, 0, 1920, 1080);
+        const QRectF view(0, 0, 1920, 1080);
+        const auto cells = GridCalculator().getCells(
+            GridDefinition(QStringLiteral("q"), QStringLiteral("Q"), {0.5}, {0.5}));
+        const CellFrames frames = CellFrameCalculator().getCellFrames(cells, visible, margin);
+        QList<QRectF> outlines;
+        std::vector<DesktopRect> all;
+        for (const DesktopRect& frame : frames) {
+            outlines.append(paneforge::desktopToView(frame, view, QPointF()));
+            all.push_back(frame);
+        }
+
+        const SnapOverlayModel model(outlines, outlines, view);
+        for (const QRectF& outline : model.outlines()) {
+            QVERIFY(view.adjusted(-1, -1, 1, 1).contains(outline));
+        }
+        for (const QRectF& fill : model.fills()) {
+            QVERIFY(view.contains(fill));
+        }
+        const QRegion mask = model.mask();
+        QVERIFY(mask.isEmpty() || QRect(-1, -1, 1922, 1082).contains(mask.boundingRect()));
+
+        const auto toQt = [](const std::optional<DesktopRect>& r) {
+            return r ? QRectF(r->x(), r->y(), r->width(), r->height()) : QRectF();
+        };
+        QCOMPARE(toQt(CellFrameCalculator::snapTarget(all, visible)), wholeLayout);
+        QCOMPARE(
+            toQt(CellFrameCalculator::snapTarget({frames.value(QStringLiteral("r0-c0"))}, visible)),
+            topLeftZone);
+    }
+
+    void rendersOutlinesAndFill() {
+        SnapOverlayWindow overlay(kVisible, environment(true));
+        overlay.orderFront();
+        const GridDefinition grid(QStringLiteral("g"), QStringLiteral("Halves"), {0.5}, {});
+        overlay.update(grid, kCells, {kCells[1]});
+        const QImage image = render(overlay.overlayView());
+        // The left zone's edge pixels: white at alpha 0.22.
+        const QColor edge = image.pixelColor(0, 50);
+        QVERIFY2(edge.alpha() > 40 && edge.alpha() < 80, qPrintable(edge.name(QColor::HexArgb)));
+        QVERIFY(edge.red() > 200 && edge.green() > 200 && edge.blue() > 200);
+        QCOMPARE(image.pixelColor(99, 50).alpha(), edge.alpha());
+        QCOMPARE(image.pixelColor(50, 0).alpha(), edge.alpha());
+        // Inside the unchosen zone: nothing at all.
+        QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
+        // Inside the chosen zone: the accent colour at half alpha.
+        const QColor fill = image.pixelColor(150, 50);
+        QVERIFY2(fill.alpha() > 110 && fill.alpha() < 150, qPrintable(fill.name(QColor::HexArgb)));
+        const QColor accent = SnapOverlayView::accentColor(overlay.overlayView().palette());
+        QCOMPARE(fill.toRgb().hue() / 10, accent.toRgb().hue() / 10);
+        // Nothing chosen: only the outlines.
+        overlay.update(std::nullopt, kCells, {});
+        const QImage outlines = render(overlay.overlayView());
+        QVERIFY(outlines.pixelColor(100, 50).alpha() > 0);
+        QCOMPARE(outlines.pixelColor(150, 50).alpha(), 0);
+    }
+
+    void shapedWithoutCompositor() {
+        SnapOverlayWindow translucent(kVisible, environment(true));
+        translucent.update(std::nullopt, kCells, {kCells[1]});
+        QVERIFY(!translucent.isShaped());
+        QVERIFY(translucent.overlayView().mask().isEmpty());
+
+        SnapOverlayWindow shaped(kVisible, environment(false));
+        QVERIFY(shaped.isShaped());
+        shaped.update(std::nullopt, kCells, {kCells[1]});
+        const QRegion mask = shaped.overlayView().mask();
+        QVERIFY(mask.contains(QPoint(0, 50)) && mask.contains(QPoint(99, 50)));
+        QVERIFY(!mask.contains(QPoint(50, 50)));
+        QVERIFY(mask.contains(QPoint(150, 50)));
+        // With nothing chosen the window stays see-through inside every zone.
+        shaped.update(std::nullopt, kCells, {});
+        QVERIFY(!shaped.overlayView().mask().contains(QPoint(150, 50)));
+    }
+
+    void coversTheVisibleFrameAndRunsTheNativeHookWhenShown() {
+        int calls = 0;
+        SnapOverlayEnvironment env = environment(true);
+        env.configureNativeWindow = [&calls](QWidget& widget) {
+            QVERIFY(widget.isVisible());
+            ++calls;
+        };
+        SnapOverlayWindow overlay(kVisible, env);
+        QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
+        QCOMPARE(calls, 0);
+        overlay.orderFront();
+        overlay.orderFront(); // already up: nothing to redo
+        QCOMPARE(calls, 1);
+        overlay.orderOut();
+        QVERIFY(!overlay.overlayView().isVisible());
+        overlay.orderFront();
+        QCOMPARE(calls, 2);
+    }
 };
-
-void SnapOverlayWindowTest::coversTheVisibleFrame() {
-    SnapOverlayWindow overlay(kVisible, environment(true));
-    QCOMPARE(overlay.frame(), kVisible);
-    QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
-    overlay.orderFront();
-    QVERIFY(overlay.overlayView().isVisible());
-    overlay.orderOut();
-    QVERIFY(!overlay.overlayView().isVisible());
-}
-
-void SnapOverlayWindowTest::rendersOutlinesAndFill() {
-    SnapOverlayWindow overlay(kVisible, environment(true));
-    overlay.orderFront();
-    const GridDefinition grid(QStringLiteral("g"), QStringLiteral("Halves"), {0.5}, {});
-    overlay.update(grid, kCells, {kCells[1]});
-    QCOMPARE(overlay.grid(), std::optional(grid));
-    const QImage image = render(overlay.overlayView());
-    // The left zone's edge pixels: white at alpha 0.22.
-    const QColor edge = image.pixelColor(0, 50);
-    QVERIFY2(edge.alpha() > 40 && edge.alpha() < 80, qPrintable(edge.name(QColor::HexArgb)));
-    QVERIFY(edge.red() > 200 && edge.green() > 200 && edge.blue() > 200);
-    QCOMPARE(image.pixelColor(99, 50).alpha(), edge.alpha());
-    QCOMPARE(image.pixelColor(50, 0).alpha(), edge.alpha());
-    // Inside the unchosen zone: nothing at all.
-    QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
-    // Inside the chosen zone: the accent colour at half alpha.
-    const QColor fill = image.pixelColor(150, 50);
-    QVERIFY2(fill.alpha() > 110 && fill.alpha() < 150, qPrintable(fill.name(QColor::HexArgb)));
-    const QColor accent = SnapOverlayView::accentColor(overlay.overlayView().palette());
-    QCOMPARE(fill.toRgb().hue() / 10, accent.toRgb().hue() / 10);
-    // Nothing chosen: only the outlines.
-    overlay.update(std::nullopt, kCells, {});
-    const QImage outlines = render(overlay.overlayView());
-    QVERIFY(outlines.pixelColor(100, 50).alpha() > 0);
-    QCOMPARE(outlines.pixelColor(150, 50).alpha(), 0);
-}
-
-void SnapOverlayWindowTest::shapedWithoutCompositor() {
-    SnapOverlayWindow translucent(kVisible, environment(true));
-    translucent.update(std::nullopt, kCells, {kCells[1]});
-    QVERIFY(!translucent.isShaped());
-    QVERIFY(translucent.overlayView().mask().isEmpty());
-
-    SnapOverlayWindow shaped(kVisible, environment(false));
-    QVERIFY(shaped.isShaped());
-    shaped.update(std::nullopt, kCells, {kCells[1]});
-    const QRegion mask = shaped.overlayView().mask();
-    QVERIFY(mask.contains(QPoint(0, 50)) && mask.contains(QPoint(99, 50)));
-    QVERIFY(!mask.contains(QPoint(50, 50)));
-    QVERIFY(mask.contains(QPoint(150, 50)));
-    // With nothing chosen the window stays see-through inside every zone.
-    shaped.update(std::nullopt, kCells, {});
-    QVERIFY(!shaped.overlayView().mask().contains(QPoint(150, 50)));
-}
-
-void SnapOverlayWindowTest::nativeHookRunsWhenShown() {
-    int calls = 0;
-    SnapOverlayEnvironment env = environment(true);
-    env.configureNativeWindow = [&calls](QWidget& widget) {
-        QVERIFY(widget.isVisible());
-        ++calls;
-    };
-    SnapOverlayWindow overlay(kVisible, env);
-    QCOMPARE(calls, 0);
-    overlay.orderFront();
-    overlay.orderFront(); // already up: nothing to redo
-    QCOMPARE(calls, 1);
-    overlay.orderOut();
-    overlay.orderFront();
-    QCOMPARE(calls, 2);
-}
 
 QTEST_MAIN(SnapOverlayWindowTest)
 #include "tst_snap_overlay_window.moc"
