@@ -137,8 +137,6 @@ private Q_SLOTS:
             "horizontalSplits[1]");
         row("null name", R"({"id":"a","name":null,"horizontalSplits":[],"verticalSplits":[]})",
             "name");
-        row("id not a string", R"({"id":3,"name":"A","horizontalSplits":[],"verticalSplits":[]})",
-            "id");
     }
     void definitionJsonIsStrict() {
         QFETCH(QString, json);
