@@ -234,13 +234,13 @@ private Q_SLOTS:
         Editor editor({0.5}, {});
         editor.model.setName(QStringLiteral("Renamed"));
         editor.model.applyPreset(LayoutPresetId::Grid2x2);
-        QCOMPARE(editor.model.editedGrid(),
-                 GridDefinition(QStringLiteral("g"), QStringLiteral("Renamed"), {0.5}, {0.5}));
+        QVERIFY(editor.model.editedGrid().hasSameContent(
+            GridDefinition(QStringLiteral("g"), QStringLiteral("Renamed"), {0.5}, {0.5})));
         editor.model.selectLayout(QStringLiteral("gone"));
         QCOMPARE(editor.model.grid().id(), QStringLiteral("g"));
         editor.model.selectLayout(QStringLiteral("other"));
-        QCOMPARE(editor.model.editedGrid(),
-                 GridDefinition(QStringLiteral("other"), QStringLiteral("Other"), {0.25}, {}));
+        QVERIFY(editor.model.editedGrid().hasSameContent(
+            GridDefinition(QStringLiteral("other"), QStringLiteral("Other"), {0.25}, {})));
     }
 
     void openingAgainLeavesOneWindow() {

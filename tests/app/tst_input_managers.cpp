@@ -1,3 +1,4 @@
+#include "app/input/hotkey_recorder.h"
 #include "input_fakes.h"
 #include "manual_scheduler.h"
 
@@ -12,8 +13,7 @@ struct Taps {
         api.granted = granted;
         manager.setHandler([](const InputEvent&) {});
     }
-    void arm() { manager.arm(); }
-    fakes::InputTaps api;
+    fakes::EventTaps api;
     ManualScheduler scheduler;
     NotificationCenter center;
     EventTapManager manager{api, scheduler, center};
@@ -32,13 +32,15 @@ struct Hotkeys {
 class InputManagersTest : public QObject {
     Q_OBJECT
 
+    using Result = std::optional<HotkeyDefinition>;
+
 private Q_SLOTS:
     void tapRetriesEverySecondUntilPermitted() {
         Taps t(false);
         int installedNotices = 0;
         const auto token =
             t.center.observe(notifications::kEventTapInstalled, [&] { ++installedNotices; });
-        t.arm();
+        t.manager.arm();
         QCOMPARE(t.api.lines.count(
                      "EventTapManager.start: requested Input Monitoring access. granted=false"),
                  1);
@@ -64,8 +66,12 @@ private Q_SLOTS:
 
     void armingTwiceLeavesOneTap() {
         Taps t(true);
-        t.arm();
-        t.arm();
+        t.manager.setHandler(nullptr);
+        t.manager.arm(); // nothing to hand events to: no attempt
+        QCOMPARE(t.api.creations, 0);
+        t.manager.setHandler([](const InputEvent&) {});
+        t.manager.arm();
+        t.manager.arm();
         QCOMPARE(t.api.liveTaps, 1);
         QVERIFY(!t.manager.isRetrying());
         QCOMPARE(t.api.requests, 0);
@@ -73,20 +79,13 @@ private Q_SLOTS:
 
     void grantClearedStartsOver() {
         Taps t(true);
-        t.arm();
+        t.manager.arm();
         t.api.granted = false;
         t.center.post(notifications::kListenEventGrantCleared);
         QVERIFY(!t.manager.isTapInstalled());
         QCOMPARE(t.api.liveTaps, 0);
         QCOMPARE(t.api.requests, 1); // asked anew
         QVERIFY(t.manager.isRetrying());
-    }
-
-    void noHandlerNoAttempt() {
-        Taps t(true);
-        t.manager.setHandler(nullptr);
-        t.arm();
-        QCOMPARE(t.api.creations, 0);
     }
 
     void reRegisteringReplaces() {
@@ -133,6 +132,77 @@ private Q_SLOTS:
         QCOMPARE(h.log, QStringList{"HotkeyManager.unregister id=7"});
         h.manager.reset();
         QVERIFY(h.api.handlerRemoved);
+    }
+
+    void recordsOnePress_data() {
+        QTest::addColumn<quint32>("keyCode");
+        QTest::addColumn<quint32>("modifiers");
+        QTest::addColumn<Result>("recorded");
+        QTest::newRow("escape cancels") << 53u << 0u << Result();
+        QTest::newRow("escape with command cancels too") << 53u << 256u << Result();
+        QTest::newRow("bare A") << 0u << 0u << Result({0, 0});
+        QTest::newRow("all four modifiers") << 14u << 0x1B00u << Result({14, 0x1B00});
+        QTest::newRow("return is an ordinary key") << 36u << 256u << Result({36, 256});
+        QTest::newRow("foreign bits are not part of the mask")
+            << 14u << 0x500u << Result({14, 256});
+    }
+    void recordsOnePress() {
+        QFETCH(quint32, keyCode);
+        QFETCH(quint32, modifiers);
+        QFETCH(Result, recorded);
+        fakes::KeyDownMonitor api;
+        HotkeyRecorder recorder(api);
+        QList<Result> results;
+        recorder.start([&](Result hotkey) { results << hotkey; });
+        QVERIFY(recorder.isRecording());
+        QVERIFY(api.press(keyCode, modifiers)); // swallowed
+        QCOMPARE(results, QList<Result>{recorded});
+        QVERIFY(!recorder.isRecording());
+        QCOMPARE(api.installed, 0);
+        QVERIFY(!api.press(keyCode, modifiers)); // only the first press is recorded
+        QCOMPARE(results.size(), 1);
+    }
+
+    void startAgainReplacesTheEarlierRecording() {
+        fakes::KeyDownMonitor api;
+        HotkeyRecorder recorder(api);
+        QStringList calls;
+        recorder.start([&](Result) { calls << "first"; });
+        recorder.start([&](Result) { calls << "second"; });
+        QCOMPARE(api.installed, 1);
+        api.press(14, 256);
+        QCOMPARE(calls, QStringList{"second"});
+    }
+
+    void stopIsHarmlessAndEndsRecording() {
+        fakes::KeyDownMonitor api;
+        HotkeyRecorder recorder(api);
+        recorder.stop();
+        int calls = 0;
+        recorder.start([&](Result) { ++calls; });
+        recorder.stop();
+        recorder.stop();
+        QVERIFY(!api.press(14, 256));
+        QCOMPARE(calls, 0);
+        QCOMPARE(api.installed, 0);
+    }
+
+    void callbackMayStartTheNextRecording() {
+        fakes::KeyDownMonitor api;
+        HotkeyRecorder recorder(api);
+        QList<std::uint32_t> keys;
+        std::function<void(Result)> record = [&](Result hotkey) {
+            keys << hotkey->keyCode;
+            if (keys.size() == 1) {
+                recorder.start(record);
+            }
+        };
+        recorder.start(record);
+        api.press(14, 0);
+        QVERIFY(recorder.isRecording());
+        api.press(15, 0);
+        QCOMPARE(keys, (QList<std::uint32_t>{14, 15}));
+        QVERIFY(!recorder.isRecording());
     }
 };
 

@@ -65,7 +65,6 @@ private Q_SLOTS:
     void selectorShowsTheDisplaysLayouts_data();
     void selectorShowsTheDisplaysLayouts();
     void pickingSavesAndClosing();
-    void aFailedPickIsLogged();
 };
 
 void LayoutSwitchingTest::cycling_data() {
@@ -136,7 +135,6 @@ void LayoutSwitchingTest::selectorShowsTheDisplaysLayouts_data() {
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<int>("cards");
     QTest::newRow("five") << QStringList{"A", "B", "C", "D", "E"} << 5;
-    QTest::newRow("one") << QStringList{"A"} << 1;
     QTest::newRow("none: one saved first") << QStringList{} << 1;
 }
 
@@ -158,28 +156,22 @@ void LayoutSwitchingTest::selectorShowsTheDisplaysLayouts() {
 
 void LayoutSwitchingTest::pickingSavesAndClosing() {
     Switching s({"A", "B", "C"});
-    s.selector.showForPointerDisplay();
     const QByteArray before = s.file();
+    s.selector.showForPointerDisplay();
     s.screen.selector->dismiss(); // Escape or a click on the backdrop
     QVERIFY(!s.screen.selector);
+    s.selector.showForPointerDisplay();
+    s.screen.pick(QStringLiteral("not-this-display's"));
+    QVERIFY(!s.screen.selector);
     QCOMPARE(s.file(), before);
+    QVERIFY2(s.log.last().startsWith(QStringLiteral("LayoutSelectorController.pick failed: ")),
+             qPrintable(s.log.join('\n')));
 
     s.selector.showForPointerDisplay();
     s.screen.pick(QStringLiteral("L2"));
     QVERIFY(!s.screen.selector);
     QVERIFY(!s.selector.isShowing());
     QCOMPARE(s.activeId(), QStringLiteral("L2"));
-}
-
-void LayoutSwitchingTest::aFailedPickIsLogged() {
-    Switching s({"A", "B"});
-    s.selector.showForPointerDisplay();
-    const QByteArray before = s.file();
-    s.screen.pick(QStringLiteral("not-this-display's"));
-    QVERIFY(!s.screen.selector);
-    QCOMPARE(s.file(), before);
-    QVERIFY2(s.log.last().startsWith(QStringLiteral("LayoutSelectorController.pick failed: ")),
-             qPrintable(s.log.join('\n')));
 }
 
 QTEST_GUILESS_MAIN(LayoutSwitchingTest)

@@ -1,5 +1,4 @@
 #include "core/diagnostics/file_logger.h"
-#include "core/diagnostics/snap_diagnostic_formatter.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -73,7 +72,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("cut");
         QTest::newRow("exactly the limit") << qint64(1000000) << false;
         QTest::newRow("one byte over") << qint64(1000001) << true;
-        QTest::newRow("far over") << qint64(1500000) << true;
     }
     void truncationBoundaries() {
         QFETCH(qint64, sizeAfterLine);
@@ -140,23 +138,13 @@ private Q_SLOTS:
         const QRegularExpression body(QStringLiteral(R"(^t(\d+) i(\d+) z{40}$)"));
         for (const QString& line : lines) {
             const auto match = kLine.match(line);
-            QVERIFY2(match.hasMatch(), qPrintable(line));
             const auto parts = body.match(match.captured(1));
-            QVERIFY2(parts.hasMatch(), qPrintable(line));
+            QVERIFY2(match.hasMatch() && parts.hasMatch(), qPrintable(line));
             const int t = parts.captured(1).toInt();
             QCOMPARE(parts.captured(2).toInt(), next[t]++);
-            const QString stamp = line.mid(1, 23);
-            QVERIFY(stamp >= lastStamp[t]); // each thread's calls happen in order
-            lastStamp[t] = stamp;
+            QVERIFY(line.mid(1, 23) >= lastStamp[t]); // each thread's calls happen in order
+            lastStamp[t] = line.mid(1, 23);
         }
-    }
-
-    // Rectangles, points and screens are checked under a comma locale (tst_machine_numbers), snap
-    // attempts in the snap controller's log.
-    void formatterDoubles() {
-        QCOMPARE(SnapDiagnosticFormatter::formatDouble(1117.0), QString("1117.0"));
-        QCOMPARE(SnapDiagnosticFormatter::formatDouble(0.0), QString("0.0"));
-        QCOMPARE(SnapDiagnosticFormatter::formatDouble(0.1), QString("0.1"));
     }
 };
 

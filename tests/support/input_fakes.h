@@ -1,55 +1,18 @@
 #pragma once
 
-// In-memory stand-ins for the platform's input services: the event tap, global hot keys and the
-// key-down monitor of Paneforge's own windows.
+// In-memory stand-ins for the platform's input services: the event tap (from snap_fakes.h), global
+// hot keys and the key-down monitor of Paneforge's own windows.
 
-#include "app/input/event_tap_manager.h"
 #include "app/input/hotkey_manager.h"
 #include "key_down_monitor_fake.h"
+#include "snap_fakes.h"
 
-#include <QStringList>
 #include <map>
 #include <set>
 
 namespace fakes {
 
 using namespace paneforge;
-
-// Taps are refused until `granted`; `liveTaps` counts the ones not yet dropped.
-class InputTaps final : public EventTapApi {
-public:
-    bool granted = false;
-    int requests = 0;
-    int creations = 0;
-    int liveTaps = 0;
-    std::uint64_t lastMask = 0;
-    QStringList lines;
-
-    bool preflightListenEventAccess() override { return granted; }
-    bool requestListenEventAccess() override {
-        ++requests;
-        return granted;
-    }
-    std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask, InputEventHandler) override {
-        ++creations;
-        lastMask = mask;
-        return granted ? std::make_unique<Tap>(liveTaps) : nullptr;
-    }
-    bool startDelivery(EventTapHandle&) override { return true; }
-    void stopDelivery(EventTapHandle&) override {}
-    void enableTap(EventTapHandle&) override {}
-    void systemLog(const QString& message) override { lines << message; }
-
-private:
-    struct Tap final : EventTapHandle {
-        explicit Tap(int& count)
-            : live(count) {
-            ++live;
-        }
-        ~Tap() override { --live; }
-        int& live;
-    };
-};
 
 // Registrations by handle; keys in `refusedKeys` are refused as the platform refuses a
 // combination another program holds.

@@ -1,6 +1,7 @@
 #include "manual_scheduler.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace paneforge {
 
@@ -14,27 +15,14 @@ struct ManualScheduler::Entry final : ScheduledWork {
 
     void cancel() override { active = false; }
     bool isActive() const override { return active; }
+    // Active timers first, then by due time, then in the order they were (re)scheduled.
+    auto order() const { return std::tuple(!active, due, sequence); }
 };
-
-ManualScheduler::ManualScheduler() = default;
-ManualScheduler::~ManualScheduler() = default;
-
-void ManualScheduler::post(Task task) {
-    posted_.push_back(std::move(task));
-}
-
-ScheduledWorkHandle ManualScheduler::postAfter(double seconds, Task task) {
-    return schedule(seconds, std::move(task), false);
-}
-
-ScheduledWorkHandle ManualScheduler::repeatEvery(double seconds, Task task) {
-    return schedule(seconds, std::move(task), true);
-}
 
 ScheduledWorkHandle ManualScheduler::schedule(double seconds, Task task, bool repeats) {
     auto entry = std::make_shared<Entry>();
-    entry->due = now_ + std::max(0.0, seconds);
     entry->interval = std::max(0.0, seconds);
+    entry->due = now_ + entry->interval;
     entry->repeats = repeats;
     entry->sequence = sequence_++;
     entry->task = std::move(task);
@@ -52,24 +40,17 @@ void ManualScheduler::runPosted() {
     }
 }
 
-std::shared_ptr<ManualScheduler::Entry> ManualScheduler::nextDue(double until) const {
-    std::shared_ptr<Entry> best;
-    for (const auto& entry : timers_) {
-        if (!entry->active || entry->due > until) {
-            continue;
-        }
-        if (!best || entry->due < best->due ||
-            (entry->due == best->due && entry->sequence < best->sequence)) {
-            best = entry;
-        }
-    }
-    return best;
-}
-
 void ManualScheduler::advance(double seconds) {
     const double target = now_ + std::max(0.0, seconds);
     runPosted();
-    while (auto entry = nextDue(target)) {
+    for (;;) {
+        const auto next = std::min_element(timers_.begin(), timers_.end(), [](auto& a, auto& b) {
+            return a->order() < b->order();
+        });
+        if (next == timers_.end() || !(*next)->active || (*next)->due > target) {
+            break;
+        }
+        const std::shared_ptr<Entry> entry = *next; // the task may add timers
         now_ = std::max(now_, entry->due);
         if (entry->repeats && entry->interval > 0.0) {
             entry->due += entry->interval;

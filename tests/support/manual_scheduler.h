@@ -11,12 +11,13 @@ namespace paneforge {
 // benchmarks) to step 0.08 s or 5 s deterministically.
 class ManualScheduler final : public Scheduler {
 public:
-    ManualScheduler();
-    ~ManualScheduler() override;
-
-    void post(Task task) override;
-    ScheduledWorkHandle postAfter(double seconds, Task task) override;
-    ScheduledWorkHandle repeatEvery(double seconds, Task task) override;
+    void post(Task task) override { posted_.push_back(std::move(task)); }
+    ScheduledWorkHandle postAfter(double seconds, Task task) override {
+        return schedule(seconds, std::move(task), false);
+    }
+    ScheduledWorkHandle repeatEvery(double seconds, Task task) override {
+        return schedule(seconds, std::move(task), true);
+    }
 
     double now() const { return now_; }
 
@@ -36,7 +37,6 @@ private:
     double now_ = 0.0;
     std::uint64_t sequence_ = 0;
 
-    std::shared_ptr<Entry> nextDue(double until) const;
     ScheduledWorkHandle schedule(double seconds, Task task, bool repeats);
 };
 

@@ -55,21 +55,19 @@ public:
     QString getDisplayTitle(DisplayId id) override { return QString::number(id); }
     std::vector<QString> getDisplaySummaries() override { return {}; }
 
-    const ScreenInfo* find(DisplayId id) const {
-        for (const auto& screen : screenList) {
-            if (screen.displayId == id) {
-                return &screen;
-            }
-        }
-        return nullptr;
-    }
     std::optional<DesktopRect> getFrame(DisplayId id) override {
-        const auto* screen = find(id);
-        return screen ? std::optional(screen->frame) : std::nullopt;
+        return field(id, &ScreenInfo::frame);
     }
     std::optional<DesktopRect> getVisibleFrame(DisplayId id) override {
-        const auto* screen = find(id);
-        return screen ? std::optional(screen->visibleFrame) : std::nullopt;
+        return field(id, &ScreenInfo::visibleFrame);
+    }
+    std::optional<DesktopRect> field(DisplayId id, DesktopRect ScreenInfo::*member) const {
+        for (const auto& screen : screenList) {
+            if (screen.displayId == id) {
+                return screen.*member;
+            }
+        }
+        return std::nullopt;
     }
     std::optional<DisplayId> getDisplayId(DesktopPoint point) override {
         for (const auto& screen : screenList) {
@@ -193,23 +191,43 @@ private:
     };
 };
 
-// An event tap that installs at once and keeps the handler it was given.
+// An event tap that keeps the handler it was given and installs unless `granted` is off;
+// `liveTaps` counts the taps not yet dropped.
 class EventTaps final : public EventTapApi {
 public:
+    bool granted = true;
+    int requests = 0;
     int creations = 0;
+    int liveTaps = 0;
+    std::uint64_t lastMask = 0;
     InputEventHandler handler;
+    QStringList lines;
 
-    bool preflightListenEventAccess() override { return true; }
-    bool requestListenEventAccess() override { return true; }
-    std::unique_ptr<EventTapHandle> createTap(std::uint64_t, InputEventHandler h) override {
+    bool preflightListenEventAccess() override { return granted; }
+    bool requestListenEventAccess() override {
+        ++requests;
+        return granted;
+    }
+    std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask, InputEventHandler h) override {
         ++creations;
+        lastMask = mask;
         handler = std::move(h);
-        return std::make_unique<EventTapHandle>();
+        return granted ? std::make_unique<Tap>(liveTaps) : nullptr;
     }
     bool startDelivery(EventTapHandle&) override { return true; }
     void stopDelivery(EventTapHandle&) override {}
     void enableTap(EventTapHandle&) override {}
-    void systemLog(const QString&) override {}
+    void systemLog(const QString& message) override { lines << message; }
+
+private:
+    struct Tap final : EventTapHandle {
+        explicit Tap(int& count)
+            : live(count) {
+            ++live;
+        }
+        ~Tap() override { --live; }
+        int& live;
+    };
 };
 
 } // namespace fakes
