@@ -13,8 +13,8 @@ struct FakeElement final : AccessibilityElement {
 };
 using Fake = std::shared_ptr<FakeElement>;
 
-// An element tree the tests build by hand. Writes of "AXPosition" can be made to land off by a
-// few points, as an application that moves its window again would.
+// An element tree the tests build by hand, and the service over it. Writes of "AXPosition" can be
+// made to land off by a few points, as an application that moves its window again would.
 class FakeAccessibility final : public AccessibilityApi {
 public:
     bool trusted = false;
@@ -73,6 +73,9 @@ public:
     bool equal(const AXElementRef& a, const AXElementRef& b) override { return a == b; }
     void systemLog(const QString& message) override { systemLines << message; }
     double primaryMaxY() override { return maxY; }
+
+    QStringList log;
+    AccessibilityService service{*this, [this](const QString& line) { log << line; }};
 };
 
 Fake element(const QString& role, std::int32_t pid = 42) {
@@ -119,35 +122,27 @@ private Q_SLOTS:
         QFETCH(int, depth);
         QFETCH(bool, viaWalk);
         FakeAccessibility api;
-        QStringList log;
-        AccessibilityService service(api, [&](const QString& l) { log << l; });
         const auto target = window(0, 0, 500, 500);
         api.hit = chainBelow(target, depth);
-        const auto found = service.getWindowUnderCursor({100, 900});
-        if (viaWalk) {
-            QCOMPARE(found, AXElementRef(target));
-            QVERIFY(log.isEmpty());
-        } else {
-            // No application and no windows: the fallback finds nothing and says so.
-            QVERIFY(!found);
-            QCOMPARE(log, QStringList{"AccessibilityService.resolveWindow source=application nil"});
-        }
+        QCOMPARE(api.service.getWindowUnderCursor({100, 900}),
+                 viaWalk ? AXElementRef(target) : AXElementRef());
+        // Past the walk there is no application and no window: the fallback says so.
+        QCOMPARE(api.log, viaWalk ? QStringList()
+                                  : QStringList{"AccessibilityService.resolveWindow "
+                                                "source=application nil"});
     }
 
     void windowAttributeWalkComesSecond() {
         FakeAccessibility api;
-        AccessibilityService service(api, [](const QString&) {});
         const auto target = window(0, 0, 10, 10);
         auto leaf = chainBelow(element("AXGroup"), 3);
         leaf->attributes["AXWindow"] = AXElementRef(target);
         api.hit = leaf;
-        QCOMPARE(service.getWindowUnderCursor({1, 1}), AXElementRef(target));
+        QCOMPARE(api.service.getWindowUnderCursor({1, 1}), AXElementRef(target));
     }
 
     void applicationFallbackOrder() {
         FakeAccessibility api;
-        QStringList log;
-        AccessibilityService service(api, [&](const QString& l) { log << l; });
         auto app = element("AXApplication");
         api.applications[42] = app;
         api.hit = element("AXStaticText"); // no parent, no AXWindow: both walks fail
@@ -158,97 +153,85 @@ private Q_SLOTS:
         app->attributes["AXFocusedWindow"] = AXElementRef(focused);
 
         // Desktop (200, 800) is accessibility (200, 280): inside both; the first in order wins.
-        QCOMPARE(service.getWindowUnderCursor({200, 800}), AXElementRef(first));
-        QVERIFY(log.last().startsWith(
+        QCOMPARE(api.service.getWindowUnderCursor({200, 800}), AXElementRef(first));
+        QVERIFY(api.log.last().startsWith(
             "AccessibilityService.resolveWindow source=application pid=42 role=AXWindow"));
-        QVERIFY(log.last().contains("title=first"));
+        QVERIFY(api.log.last().contains("title=first"));
         // Nowhere near any window: the focused one, even though it lies elsewhere.
-        QCOMPARE(service.getWindowUnderCursor({1000, 100}), AXElementRef(focused));
+        QCOMPARE(api.service.getWindowUnderCursor({1000, 100}), AXElementRef(focused));
         // A focused window missing from AXWindows is still returned.
         const auto stray = window(3000, 0, 10, 10, "stray");
         app->attributes["AXFocusedWindow"] = AXElementRef(stray);
-        QCOMPARE(service.getWindowUnderCursor({1000, 100}), AXElementRef(stray));
+        QCOMPARE(api.service.getWindowUnderCursor({1000, 100}), AXElementRef(stray));
     }
 
     void hitTestFailureAndNoScreens() {
         FakeAccessibility api;
-        QStringList log;
-        AccessibilityService service(api, [&](const QString& l) { log << l; });
         api.maxY = 0;
         api.hitError = ax_error::kNoValue;
-        QVERIFY(!service.getWindowUnderCursor({100, 50}));
+        QVERIFY(!api.service.getWindowUnderCursor({100, 50}));
         QCOMPARE(api.lastHitTest, std::make_pair(100.0f, -50.0f));
         QCOMPARE(
-            log,
+            api.log,
             QStringList{"AccessibilityService.copyElementAt failed ax=(100.0,-50.0) error=-25212"});
     }
 
-    void positionRetry_data() {
+    // The position is written, then the size, then the position again, and once more when the
+    // window landed off; the enhanced-user-interface switch is off meanwhile and put back when its
+    // old state was readable.
+    void setFrame_data() {
         QTest::addColumn<double>("drift");
         QTest::addColumn<int>("writes");
-        QTest::newRow("lands within tolerance") << 2.0 << 2;
-        QTest::newRow("lands off: third write") << 2.5 << 3;
+        QTest::addColumn<int>("switchBefore"); // -1: unreadable
+        QTest::addColumn<bool>("switchAfter");
+        QTest::newRow("lands within tolerance, switch unreadable") << 2.0 << 2 << -1 << false;
+        QTest::newRow("lands off: third write, switch was on") << 2.5 << 3 << 1 << true;
+        QTest::newRow("switch was off") << 0.0 << 2 << 0 << false;
     }
-    void positionRetry() {
+    void setFrame() {
         QFETCH(double, drift);
         QFETCH(int, writes);
+        QFETCH(int, switchBefore);
+        QFETCH(bool, switchAfter);
         FakeAccessibility api;
-        QStringList log;
-        AccessibilityService service(api, [&](const QString& l) { log << l; });
-        const auto target = window(0, 0, 100, 100);
-        api.positionDrift = drift;
-        service.setFrame(target, DesktopRect(100, 80, 640, 480));
-        QCOMPARE(api.positionWrites, writes);
-        QCOMPARE(std::get<DesktopSize>(target->attributes["AXSize"]), (DesktopSize{640, 480}));
-        QVERIFY(log.last().startsWith(
-            "AccessibilityService.setFrame requested=(100.0,80.0 640.0x480.0) "
-            "axOrigin=(100.0,520.0) primaryMaxY=1080.0 posError=0 sizeError=0 after=("));
-    }
-
-    void enhancedUserInterfaceRestore_data() {
-        QTest::addColumn<int>("before"); // -1: unreadable
-        QTest::addColumn<bool>("after");
-        QTest::newRow("unreadable stays off") << -1 << false;
-        QTest::newRow("was on") << 1 << true;
-        QTest::newRow("was off") << 0 << false;
-    }
-    void enhancedUserInterfaceRestore() {
-        QFETCH(int, before);
-        QFETCH(bool, after);
-        FakeAccessibility api;
-        AccessibilityService service(api, [](const QString&) {});
         auto app = element("AXApplication");
         api.applications[42] = app;
-        if (before >= 0) {
-            app->attributes["AXEnhancedUserInterface"] = before == 1;
+        if (switchBefore >= 0) {
+            app->attributes["AXEnhancedUserInterface"] = switchBefore == 1;
         }
-        service.setFrame(window(0, 0, 10, 10), DesktopRect(0, 0, 50, 50));
-        QCOMPARE(std::get<bool>(app->attributes["AXEnhancedUserInterface"]), after);
+        const auto target = window(0, 0, 100, 100);
+        api.positionDrift = drift;
+        api.service.setFrame(target, DesktopRect(100, 80, 640, 480));
+        QCOMPARE(api.positionWrites, writes);
+        QCOMPARE(std::get<DesktopSize>(target->attributes["AXSize"]), (DesktopSize{640, 480}));
+        QVERIFY(api.log.last().startsWith(
+            "AccessibilityService.setFrame requested=(100.0,80.0 640.0x480.0) "
+            "axOrigin=(100.0,520.0) primaryMaxY=1080.0 posError=0 sizeError=0 after=("));
+        QCOMPARE(std::get<bool>(app->attributes["AXEnhancedUserInterface"]), switchAfter);
     }
 
     void trustDescriptionsAndRoles() {
         FakeAccessibility api;
-        AccessibilityService service(api, [](const QString&) {});
-        QVERIFY(!service.isTrusted());
+        QVERIFY(!api.service.isTrusted());
         api.focusedApplicationReadable = true;
-        QVERIFY(service.isTrusted()); // the probe counts as trust
-        service.requestTrustPrompt();
+        QVERIFY(api.service.isTrusted()); // the probe counts as trust
+        api.service.requestTrustPrompt();
         QCOMPARE(api.systemLines,
                  QStringList{"AccessibilityService.requestTrustPrompt: trusted=false"});
 
         const auto w = window(10, 20, 300, 200, "Notes");
         w->attributes["AXSubrole"] = QString("AXStandardWindow");
-        QCOMPARE(service.describeWindow(w),
+        QCOMPARE(api.service.describeWindow(w),
                  QStringLiteral("pid=42 role=AXWindow subrole=AXStandardWindow title=Notes "
                                 "cocoaFrame=(10.0,860.0 300.0x200.0)"));
         auto bare = std::make_shared<FakeElement>();
-        QCOMPARE(service.describeWindow(bare),
+        QCOMPARE(api.service.describeWindow(bare),
                  QStringLiteral("pid=nil role=nil subrole=nil title=nil cocoaFrame=nil"));
-        QCOMPARE(*service.frame(w), DesktopRect(10, 860, 300, 200));
+        QCOMPARE(*api.service.frame(w), DesktopRect(10, 860, 300, 200));
         // Only the window role makes a standard window; a sheet or an unreadable role does not.
-        QVERIFY(service.isStandardWindow(w));
-        QVERIFY(!service.isStandardWindow(element("AXSheet")));
-        QVERIFY(!service.isStandardWindow(bare));
+        QVERIFY(api.service.isStandardWindow(w));
+        QVERIFY(!api.service.isStandardWindow(element("AXSheet")));
+        QVERIFY(!api.service.isStandardWindow(bare));
     }
 };
 

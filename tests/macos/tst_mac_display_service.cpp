@@ -7,6 +7,7 @@ using namespace paneforge;
 
 namespace {
 
+// The display calls as the tests set them up, and the service over them.
 class FakeDisplays final : public DisplayApi {
 public:
     std::int32_t countError = 0;
@@ -45,6 +46,8 @@ public:
     }
     QString currentLocaleIdentifier() override { return locale; }
     DesktopPoint mouseLocation() override { return {}; }
+
+    MacDisplayService service{*this, LoggerFactory::makeLogger("DisplayService")};
 };
 
 } // namespace
@@ -56,34 +59,32 @@ private Q_SLOTS:
     void activeDisplaysAndErrors() {
         FakeDisplays api;
         api.active = {69733382, 2};
-        MacDisplayService service(api, LoggerFactory::makeLogger("DisplayService"));
-        QCOMPARE(service.getActiveDisplays(), (std::vector<DisplayId>{69733382, 2}));
+        QCOMPARE(api.service.getActiveDisplays(), (std::vector<DisplayId>{69733382, 2}));
         api.countError = 1001;
         QTest::ignoreMessage(QtCriticalMsg, "Failed to get display count: 1001");
-        QVERIFY(service.getActiveDisplays().empty());
+        QVERIFY(api.service.getActiveDisplays().empty());
     }
 
     void screensAndPoints() {
         FakeDisplays api;
-        MacDisplayService service(api, LoggerFactory::makeLogger("DisplayService"));
-        QVERIFY(!service.getDisplayId({0, 0}) && !service.getFrame(1) &&
-                !service.getVisibleFrame(1));
-        QCOMPARE(service.primaryMaxY(), 0.0);
+        QVERIFY(!api.service.getDisplayId({0, 0}) && !api.service.getFrame(1) &&
+                !api.service.getVisibleFrame(1));
+        QCOMPARE(api.service.primaryMaxY(), 0.0);
         api.screenList = {
             {1u, {0, 0, 1440, 900}, {0, 0, 1440, 875}, QString("Built-in Retina Display")},
             {std::nullopt, {1440, 0, 1920, 1080}, {1440, 0, 1920, 1080}, std::nullopt},
             {7u, {-1920, 0, 1920, 1080}, {-1920, 0, 1920, 1055}, std::nullopt}};
-        QCOMPARE(service.getDisplayId({0, 0}), std::optional<DisplayId>(1));
-        QCOMPARE(service.getDisplayId({1440, 10}), std::nullopt); // its screen has no number
-        QCOMPARE(service.getDisplayId({-1, 899}), std::optional<DisplayId>(7));
-        QCOMPARE(service.getDisplayId({100, 900}), std::nullopt); // the top edge is outside
-        QCOMPARE(*service.getVisibleFrame(7), DesktopRect(-1920, 0, 1920, 1055));
-        QCOMPARE(service.primaryMaxY(), 900.0);
+        QCOMPARE(api.service.getDisplayId({0, 0}), std::optional<DisplayId>(1));
+        QCOMPARE(api.service.getDisplayId({1440, 10}), std::nullopt); // its screen has no number
+        QCOMPARE(api.service.getDisplayId({-1, 899}), std::optional<DisplayId>(7));
+        QCOMPARE(api.service.getDisplayId({100, 900}), std::nullopt); // the top edge is outside
+        QCOMPARE(*api.service.getVisibleFrame(7), DesktopRect(-1920, 0, 1920, 1055));
+        QCOMPARE(api.service.primaryMaxY(), 900.0);
 
         api.displays[1] = {610, 41000, 0, {0, 0, 1440, 900}, true};
         api.displays[7] = {1552, 1, 0, {-1920, 180, 1920, 1080}, false};
         api.screenList[0].backingScaleFactor = 2.0;
-        const auto listed = service.screens();
+        const auto listed = api.service.screens();
         QCOMPARE(listed.size(), size_t(3));
         QCOMPARE(listed[0].name, QStringLiteral("Built-in Retina Display"));
         QCOMPARE(listed[0].scale, 2.0);
@@ -127,25 +128,24 @@ private Q_SLOTS:
                                                     {13, 1552, 40000, 99}};
         api.names[10] = {{"en_US", "DELL P2419H"}, {"de", "DELL P2419H (de)"}};
         api.names[13] = {{"en_US", "Studio Display"}};
-        MacDisplayService service(api, LoggerFactory::makeLogger("DisplayService"));
 
         // Serial-less: the first entry of its vendor and product wins, and the title gets its
         // origin.
         QCOMPARE(
-            service.getDisplayTitle(5),
+            api.service.getDisplayTitle(5),
             QStringLiteral(
                 "DELL P2419H (de) [External] (v1552-p41234-sno-serial) @ 1920x1080 @ -1920,0"));
         // de_DE with only an en_US name: no registry name, the stable id stands in.
-        QCOMPARE(service.getDisplayTitle(6),
+        QCOMPARE(api.service.getDisplayTitle(6),
                  QStringLiteral("v1552-p40000-s99 [Built-in] (v1552-p40000-s99) @ 2560x1440"));
         // AppKit's own name comes first.
         api.screenList = {{6u, {0, 0, 2560, 1440}, {0, 0, 2560, 1415}, QString("Studio")}};
-        QCOMPARE(service.getDisplayName(6), std::optional<QString>("Studio"));
-        QCOMPARE(service.getDisplaySummaries(),
+        QCOMPARE(api.service.getDisplayName(6), std::optional<QString>("Studio"));
+        QCOMPARE(api.service.getDisplaySummaries(),
                  (std::vector<QString>{"v1552-p41234-sno-serial @ 1920x1080",
                                        "v1552-p40000-s99 @ 2560x1440"}));
         api.registry = std::nullopt;
-        QCOMPARE(service.getDisplayName(5), std::nullopt);
+        QCOMPARE(api.service.getDisplayName(5), std::nullopt);
     }
 };
 

@@ -29,23 +29,16 @@ private Q_SLOTS:
         // Sparkle; pre-releases come before their release.
         row("patch after minor", "1.2", "1.2.1", "<");
         row("1.10 after 1.2.1", "1.2.1", "1.10", "<");
-        row("1.10 after 1.9", "1.9", "1.10", "<");
         row("major wins", "2", "1.99.99", ">");
-        row("10.0 after 9.9", "10.0", "9.9", ">");
-        row("zero versions", "0.1.0", "0.1.1", "<");
         row("long numbers", "1.123456789012345678", "1.123456789012345677", ">");
         row("equal", "1.2.1", "1.2.1", "=");
         row("trailing zero", "1.2", "1.2.0", "=");
-        row("trailing zeros", "1", "1.0.0", "=");
         row("beta before release", "1.2b1", "1.2", "<");
         row("rc before release", "1.2rc1", "1.2", "<");
         row("rc before padded release", "1.2rc1", "1.2.0", "<");
         row("pre-release after previous", "1.2b1", "1.1.9", ">");
-        row("pre-release before next patch", "1.2b1", "1.2.1", "<");
         row("alpha before beta", "1.2a1", "1.2b1", "<");
-        row("beta before rc", "1.2b3", "1.2rc1", "<");
         row("b before beta", "1.2b", "1.2beta", "<");
-        row("no number first", "1.2b", "1.2b1", "<");
         row("no number before zero", "1.2b", "1.2b0", "<");
         row("beta numbers", "1.2b2", "1.2b10", "<");
         row("equal pre-releases", "1.2b1", "1.2.0b1", "=");
@@ -63,23 +56,6 @@ private Q_SLOTS:
         QCOMPARE(left == right, expected == "=");
     }
 
-    void parts() {
-        const ReleaseVersion release = ReleaseVersion::parse("1.10.3");
-        QCOMPARE(release.text(), QString("1.10.3"));
-        QCOMPARE(release.numbers(), (std::vector<std::uint64_t>{1, 10, 3}));
-        QVERIFY(!release.isPreRelease());
-
-        const ReleaseVersion candidate = ReleaseVersion::parse("2.0rc3");
-        QCOMPARE(candidate.numbers(), (std::vector<std::uint64_t>{2, 0}));
-        QVERIFY(candidate.isPreRelease());
-        QCOMPARE(candidate.preReleaseLabel(), QString("rc"));
-        QCOMPARE(candidate.preReleaseNumber(), std::optional<std::uint64_t>(3));
-
-        QCOMPARE(ReleaseVersion::parse("2.0beta").preReleaseNumber(), std::nullopt);
-        QCOMPARE(ReleaseVersion().text(), QString("0"));
-        QVERIFY(!ReleaseVersion::problemWith("1.2.1"));
-    }
-
     void malformed_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("problem");
@@ -91,21 +67,16 @@ private Q_SLOTS:
         row("leading dot", ".1", "it must start with a number");
         row("two dots", "1..2", "two dots in a row");
         row("dot before letters", "1.2.b1", "a number must follow the dot");
-        row("letters only", "abc", "it must start with a number");
         row("leading v", "v1.2", "without the leading “v”");
         row("leading V", "V1.2", "without the leading “V”");
-        row("hyphen", "1.2-beta.1", "Sparkle ignores everything from a hyphen on");
         row("hyphen after label", "1.2b1-2", "hyphen");
         row("build metadata", "1.2+5", "build metadata (“+5”)");
         row("comma", "1,2", "unexpected “,2” after “1”");
-        row("underscore", "1.2_3", "unexpected “_3” after “1.2”");
         row("leading zero", "1.02", "the number “02” has a leading zero");
         row("leading zero in label", "1.2b01", "“01” has a leading zero");
         row("too long", "1.1234567890123456789", "is too long");
         row("space inside", "1. 2", "white space");
-        row("space after", "1.2 ", "white space");
         row("upper-case label", "1.2RC1", "must be in lower case (“rc”)");
-        row("after pre-release number", "1.2b1.1", "nothing may follow");
         row("letters after number", "1.2b1c", "nothing may follow the pre-release");
         row("not ascii", "1.2é", "unexpected “é”");
     }
