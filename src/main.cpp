@@ -75,8 +75,10 @@ int runAgent(int argc, char** argv) {
 // snapping agent.
 int main(int argc, char** argv) {
     QStringList args;
+    QList<QByteArray> nativeArgs;
     for (int i = 1; i < argc; ++i) {
         args << QString::fromLocal8Bit(argv[i]);
+        nativeArgs << QByteArray(argv[i]);
     }
     if (!paneforge::isCliInvocation(args)) {
         return paneforge::runAgent(argc, argv);
@@ -86,5 +88,6 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(PANEFORGE_VERSION));
     QTextStream out(stdout);
     QTextStream err(stderr);
-    return paneforge::runCli(QCoreApplication::arguments().mid(1), out, err);
+    // The bytes as given: a file name that is not valid in the locale's encoding still opens.
+    return paneforge::runCli(nativeArgs, out, err);
 }
