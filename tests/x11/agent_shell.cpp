@@ -101,7 +101,7 @@ private Q_SLOTS:
 
         // The same key again: from the last display back to the first.
         const auto moved = frame(xterm_);
-        QVERIFY(keys("ctrl+alt+m"));
+        QVERIFY(moved && keys("ctrl+alt+m"));
         QVERIFY(xtermLeaves(*moved));
     }
 
