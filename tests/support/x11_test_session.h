@@ -1,9 +1,12 @@
 #pragma once
 
+#include "platform/x11/x11_connection.h"
+
+#include <QPoint>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
+#include <QTest>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -45,6 +48,8 @@ public:
     // Runs a short command (xdotool, xrandr, ...) to its end; true when it exits with status 0.
     bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
 
+    // Where the pointer is, in root coordinates.
+    QPoint pointer();
     std::vector<std::uint32_t> clientList() const;
     std::vector<std::uint32_t> rootCardinals(const char* property) const;
     // The window manager's active window, or 0.
@@ -61,45 +66,26 @@ public:
 
 private:
     QProcess* launch(const QString& program, const QStringList& arguments,
-                     const QProcessEnvironment& extra = {}, bool forwardErrors = true);
+                     const QProcessEnvironment& extra = {}, bool forwardErrors = true,
+                     bool keepOutput = false);
 
     Options options_;
     QString display_;
     std::vector<std::unique_ptr<QProcess>> processes_;
-    struct Connection;
-    std::unique_ptr<Connection> connection_;
-};
-
-// The real agent in a session, with a configuration and log folder of its own
-// ($XDG_CONFIG_HOME/Paneforge, $XDG_STATE_HOME/Paneforge), so that no test touches the user's.
-class X11AgentRun {
-public:
-    explicit X11AgentRun(X11TestSession& session)
-        : session_(session) {}
-
-    // The agent's $XDG_CONFIG_HOME: the folder a ConfigStore for its configuration is given.
-    QString configHome() const;
-    // The folder its autostart entries would go to.
-    QString autostartDirectory() const;
-    // Starts `program` and waits until it says it is ready; `output` gets what it printed.
-    bool start(const QString& program, QString* output);
-    QProcess* process() const { return process_; }
-
-    QString logText() const;
-    int logCount(const QString& line) const { return logText().count(line); }
-    // Waits until the diagnostic log holds `line` more often than `before` times.
-    bool waitForLog(const QString& line, int before,
-                    std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
-    // Asks the agent to quit (SIGTERM) and whether it ended cleanly, its log flushed.
-    bool quit();
-
-private:
-    X11TestSession& session_;
-    QTemporaryDir home_;
-    QProcess* process_ = nullptr;
+    std::unique_ptr<paneforge::X11Connection> connection_;
 };
 
 // The main() of an X11 test: starts a session, points Qt at it before the QGuiApplication exists,
 // and runs `body` (typically QTest::qExec) inside that application.
 int runWithX11Session(int argc, char** argv, X11TestSession::Options options,
                       const std::function<int(X11TestSession&)>& body);
+
+// The main() of a test class built with its session: `arguments` are added to the command line's.
+template <typename Test>
+int runX11Test(int argc, char** argv, X11TestSession::Options options = {},
+               const QStringList& arguments = {}) {
+    return runWithX11Session(argc, argv, options, [&](X11TestSession& session) {
+        Test test(session);
+        return QTest::qExec(&test, QCoreApplication::arguments() + arguments);
+    });
+}

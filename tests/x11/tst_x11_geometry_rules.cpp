@@ -2,25 +2,19 @@
 #include "platform/x11/x11_display_services.h"
 
 #include <QTest>
+#include <QtEndian>
 
 using namespace paneforge;
 
 using Struts = std::vector<std::vector<std::uint32_t>>;
 
 namespace {
+// Manufacturer "DEL" packs to 0x10AC (big-endian), product 0x4134 and the serial little-endian.
 QByteArray edidBlock(std::uint32_t serial, const QByteArray& name) {
-    QByteArray block(128, '\0');
-    block.replace(0, 8, QByteArray("\x00\xff\xff\xff\xff\xff\xff\x00", 8));
-    block[8] = char(0x10); // "DEL" packs to 0x10AC
-    block[9] = char(0xAC);
-    block[10] = char(0x34); // product 0x4134, little-endian
-    block[11] = char(0x41);
-    for (int i = 0; i < 4; ++i) {
-        block[12 + i] = char((serial >> (8 * i)) & 0xff);
-    }
+    QByteArray block = QByteArray::fromHex("00ffffffffffff0010ac3441").leftJustified(128, '\0');
+    qToLittleEndian(serial, block.data() + 12);
     block[72 + 3] = char(0xFC); // second descriptor: monitor name
-    block.replace(72 + 5, name.size(), name);
-    return block;
+    return block.replace(72 + 5, name.size(), name);
 }
 } // namespace
 

@@ -93,12 +93,7 @@ private:
 };
 
 int main(int argc, char** argv) {
-    X11TestSession::Options options;
-    options.twoMonitors = true;
-    return runWithX11Session(argc, argv, options, [&](X11TestSession& session) {
-        X11TwoMonitorsTest test(session);
-        return QTest::qExec(&test, argc, argv);
-    });
+    return runX11Test<X11TwoMonitorsTest>(argc, argv, {.twoMonitors = true});
 }
 
 #include "tst_x11_two_monitors.moc"

@@ -1,0 +1,194 @@
+#pragma once
+
+// The base of the end-to-end tests of the real agent (PANEFORGE_AGENT): its configuration, its
+// windows found by title, keys pressed with xdotool, its tray menu, and client windows' frames.
+
+#include "core/config/config_store.h"
+#include "manual_scheduler.h"
+#include "platform/x11/x11_display_services.h"
+#include "platform/x11/x11_window_service.h"
+#include "x11_test_session.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+class X11AgentTest : public QObject {
+public:
+    explicit X11AgentTest(X11TestSession& session)
+        : session_(session) {}
+
+protected:
+    paneforge::ConfigStore store() const {
+        return paneforge::ConfigStore(paneforge::LoggerFactory::makeLogger("Test"),
+                                      [this] { return configHome(); });
+    }
+    // The stored configuration; the defaults while the file is being replaced.
+    paneforge::PaneforgeConfig config() const {
+        try {
+            return store().loadConfig();
+        } catch (const std::exception&) {
+            return paneforge::PaneforgeConfig::makeDefault();
+        }
+    }
+    // The agent's $XDG_CONFIG_HOME: the folder a ConfigStore for its configuration is given.
+    QString configHome() const { return home_.filePath(QStringLiteral("config")); }
+    // The folder its autostart entries would go to.
+    QString autostartDirectory() const {
+        return home_.filePath(QStringLiteral("config/autostart"));
+    }
+    // Writes `initial` (when given), starts the agent with a configuration and log folder of its
+    // own ($XDG_CONFIG_HOME/Paneforge, $XDG_STATE_HOME/Paneforge), so that no test touches the
+    // user's, and waits until it says it is ready; `output` gets what it printed.
+    bool startAgent(const std::optional<paneforge::PaneforgeConfig>& initial,
+                    QString* output = nullptr) {
+        if (initial) {
+            store().saveConfig(*initial);
+        }
+        QProcessEnvironment env;
+        env.insert("XDG_CONFIG_HOME", configHome());
+        env.insert("XDG_STATE_HOME", home_.filePath(QStringLiteral("state")));
+        agent_ = session_.startProcess(QStringLiteral(PANEFORGE_AGENT), {}, env);
+        QString printed;
+        QString& out = output ? *output : printed;
+        const bool ready = agent_->waitForStarted(5000) &&
+                           X11TestSession::waitUntil(
+                               [&] {
+                                   agent_->waitForReadyRead(50);
+                                   out += QString::fromUtf8(agent_->readAllStandardError());
+                                   return out.contains("ready in");
+                               },
+                               std::chrono::seconds(20));
+        if (!ready) {
+            qWarning("%s", qPrintable(out));
+        }
+        return ready;
+    }
+    QString logText() const {
+        QFile file(home_.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+    int logCount(const QString& line) const { return logText().count(line); }
+    // Waits until the diagnostic log holds `line` more often than `before` times.
+    bool waitForLog(const QString& line, int before) const {
+        return X11TestSession::waitUntil([&] { return logCount(line) > before; });
+    }
+    // Asks the agent to quit (SIGTERM) and whether it ended cleanly, its log flushed.
+    bool quit() {
+        if (!agent_ || agent_->state() != QProcess::Running) {
+            return false;
+        }
+        agent_->terminate();
+        return agent_->waitForFinished(10000) && agent_->exitStatus() == QProcess::NormalExit &&
+               agent_->exitCode() == 0 && logText().contains(QStringLiteral("Paneforge quitting"));
+    }
+    bool waitForDisplays(std::size_t count) {
+        return connection_.isValid() && X11TestSession::waitUntil([&] {
+                   return displays_.getActiveDisplays().size() == count;
+               });
+    }
+    QString displayIdAt(paneforge::DesktopPoint point) {
+        const auto display = displays_.getDisplayId(point);
+        return display ? displays_.getIdentifier(*display).stableId() : QString();
+    }
+
+    bool xdotool(const QStringList& arguments, QString* output = nullptr) {
+        return session_.run(QStringLiteral("xdotool"), arguments, output);
+    }
+    // Presses `keys` ("Down Down Return") one after another, `times` over.
+    bool keys(const QString& keys, int times = 1) {
+        QStringList arguments{"key", "--delay", "20"};
+        for (int i = 0; i < times; ++i) {
+            arguments += keys.split(QLatin1Char(' '));
+        }
+        return xdotool(arguments);
+    }
+
+    // The agent's mapped windows titled `name` (a regular expression), or all of them: the tray
+    // icon, and its menus or windows while they are open.
+    QStringList agentWindows(const QString& name = {}) {
+        return session_.visibleWindows(QStringLiteral("paneforge"), name);
+    }
+    std::uint32_t activeWindow() const { return session_.activeWindow(); }
+    // Waits until one window is titled `name` and it has the keyboard.
+    bool waitForKeyboard(const QString& name, QString* id = nullptr) {
+        QStringList found;
+        const bool shown = X11TestSession::waitUntil([&] {
+            found = agentWindows(name);
+            return found.size() == 1 && found.front().toUInt() == activeWindow();
+        });
+        if (!shown) {
+            qWarning("active window %u, %s: %s", activeWindow(), qPrintable(name),
+                     qPrintable(found.join(QLatin1Char(' '))));
+        }
+        if (id) {
+            *id = found.value(0);
+        }
+        return shown;
+    }
+    bool waitUntilClosed(const QString& name) {
+        return X11TestSession::waitUntil([&] { return agentWindows(name).isEmpty(); });
+    }
+
+    // Waits until the tray icon is the agent's one window.
+    bool findTrayIcon() {
+        return X11TestSession::waitUntil([&] {
+            const QStringList windows = agentWindows();
+            trayIcon_ = windows.value(0);
+            return windows.size() == 1;
+        });
+    }
+    // Clicks the tray icon and walks the menu with `keys` ("Down Right Return").
+    bool chooseFromTrayMenu(const QString& keys) {
+        // Qt keeps the menu's window and maps it again: wait until the last opening has closed.
+        if (!menu_.isEmpty() &&
+            !X11TestSession::waitUntil([&] { return !agentWindows().contains(menu_); })) {
+            return false;
+        }
+        const QStringList before = agentWindows();
+        return xdotool({"mousemove", "--window", trayIcon_, "11", "12", "click", "1"}) &&
+               X11TestSession::waitUntil([&] {
+                   for (const QString& window : agentWindows()) {
+                       if (!before.contains(window)) {
+                           menu_ = window;
+                           return true;
+                       }
+                   }
+                   return false;
+               }) &&
+               this->keys(keys);
+    }
+
+    std::optional<paneforge::DesktopRect> frame(std::uint32_t window) {
+        return windows_.frame(paneforge::X11WindowService::wrap(window));
+    }
+    // Starts an xterm on the left of the first monitor and waits until its frame can be read.
+    bool startXterm() {
+        QString error;
+        const auto xterm = session_.startClient("xterm", {"-geometry", "60x20+100+150"}, &error);
+        xterm_ = xterm.value_or(0);
+        if (!xterm) {
+            qWarning("%s", qPrintable(error));
+        }
+        return xterm && X11TestSession::waitUntil([&] { return frame(xterm_).has_value(); });
+    }
+    // Waits until the xterm is on another display than the one it was on at `start`.
+    bool xtermLeaves(const paneforge::DesktopRect& start) {
+        const auto from = displays_.getDisplayId({start.midX(), start.midY()});
+        return X11TestSession::waitUntil([&] {
+            const auto now = frame(xterm_);
+            const auto to = now ? displays_.getDisplayId({now->midX(), now->midY()}) : from;
+            return to && to != from;
+        });
+    }
+
+    X11TestSession& session_;
+    QTemporaryDir home_;
+    QProcess* agent_ = nullptr;
+    paneforge::X11Connection connection_;
+    paneforge::X11DisplayServices displays_{connection_};
+    paneforge::ManualScheduler scheduler_;
+    paneforge::X11WindowService windows_{connection_, scheduler_, [](const QString&) {}};
+    std::uint32_t xterm_ = 0;
+    QString trayIcon_;
+    QString menu_;
+};
