@@ -55,13 +55,6 @@ double cpuNanos(qint64 pid) {
 }
 
 // The X server's process, from the lock file of its display.
-qint64 serverPid(const QString& display) {
-    QFile lock(QStringLiteral("/tmp/.X%1-lock").arg(display.mid(1)));
-    return lock.open(QIODevice::ReadOnly)
-               ? QString::fromLatin1(lock.readAll()).trimmed().toLongLong()
-               : 0;
-}
-
 // Waits until none of the processes has used the CPU for a while: the agent has handled
 // everything sent to it, and the server has answered it.
 void waitQuiet(std::initializer_list<qint64> pids) {
@@ -353,7 +346,7 @@ int main(int argc, char** argv) {
             return 1;
         }
         const qint64 agentPid = agent->processId();
-        const qint64 xPid = serverPid(session.display());
+        const qint64 xPid = session.serverProcessId();
         desk.drain(300ms);
         // The times of the agent's log lines that contain `marker`.
         const auto logLines = [&](const QString& marker) {

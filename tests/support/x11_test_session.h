@@ -34,6 +34,10 @@ public:
     // Starts the server (and the window manager). On failure `error` says why.
     bool start(QString* error);
     QString display() const { return display_; }
+    // The process id of the X server (for figures of the CPU it uses); 0 before it starts.
+    qint64 serverProcessId() const {
+        return processes_.empty() ? 0 : processes_.front()->processId();
+    }
     QProcessEnvironment environment() const;
 
     // Starts a client and waits until the window manager lists a new client window; returns it.
