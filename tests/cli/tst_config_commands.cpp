@@ -1,3 +1,4 @@
+#include "../support/expected_text.h"
 #include "cli/cli.h"
 #include "core/backup/settings_backup.h"
 
@@ -51,17 +52,6 @@ struct Home {
         file.write(bytes);
     }
 };
-
-// A "*" at either end of an expected text stands for anything there.
-bool matches(const QString& actual, const QString& expected) {
-    const bool head = expected.startsWith('*');
-    const bool tail = expected.size() > 1 && expected.endsWith('*');
-    const QString core = expected.mid(head ? 1 : 0, expected.size() - head - tail);
-    return head && tail ? actual.contains(core)
-           : head       ? actual.endsWith(core)
-           : tail       ? actual.startsWith(core)
-                        : actual == core;
-}
 
 QByteArray defaults() {
     return ConfigStore::encodeConfig(PaneforgeConfig::makeDefault());
@@ -157,8 +147,8 @@ private Q_SLOTS:
         const Result result =
             home.run(args.replaceInStrings("@FILE", file).replaceInStrings("@PIPE", pipe));
         QCOMPARE(result.code, code);
-        QVERIFY2(matches(result.out, out), qPrintable(result.out));
-        QVERIFY2(matches(result.err, err), qPrintable(result.err));
+        QVERIFY2(matchesExpected(result.out, out), qPrintable(result.out));
+        QVERIFY2(matchesExpected(result.err, err), qPrintable(result.err));
         QVERIFY(!QFile::exists(home.store.getConfigPath()));
     }
 

@@ -1,3 +1,4 @@
+#include "../support/expected_text.h"
 #include "release/release_cli.h"
 
 #include <QDir>
@@ -46,17 +47,6 @@ const QByteArray kListing =
     "  1) 1111111111111111111111111111111111111111 \"Apple Development: J (AB12CD34EF)\"\n"
     "  2) 2222222222222222222222222222222222222222 \"Developer ID Application: J (TEAM123456)\"\n"
     "     2 valid identities found\n";
-
-// A "*" at either end of an expected text stands for anything there.
-bool matches(const QString& actual, const QString& expected) {
-    const bool head = expected.startsWith('*');
-    const bool tail = expected.size() > 1 && expected.endsWith('*');
-    const QString core = expected.mid(head ? 1 : 0, expected.size() - head - tail);
-    return head && tail ? actual.contains(core)
-           : head       ? actual.endsWith(core)
-           : tail       ? actual.startsWith(core)
-                        : actual == core;
-}
 
 } // namespace
 
@@ -197,8 +187,10 @@ private Q_SLOTS:
         args.replaceInStrings("DIR", dir.path()).replaceInStrings("SIG", kSignature);
         const Result result = run(args, input);
         QCOMPARE(result.code, code);
-        QVERIFY2(matches(result.out, out.replace("DIR", dir.path())), qPrintable(result.out));
-        QVERIFY2(matches(result.err, err.replace("DIR", dir.path())), qPrintable(result.err));
+        QVERIFY2(matchesExpected(result.out, out.replace("DIR", dir.path())),
+                 qPrintable(result.out));
+        QVERIFY2(matchesExpected(result.err, err.replace("DIR", dir.path())),
+                 qPrintable(result.err));
     }
 
     void feedFromItemsAndAnEarlierFeed() {
