@@ -117,6 +117,25 @@ private Q_SLOTS:
         QCOMPARE(*GridCalculator().unionRect({cells[1], cells[2]}), (NormalizedRect{0, 0, 1, 1}));
     }
 
+    void normalizedRecordsJson() {
+        QCOMPARE(NormalizedPoint::fromJson(parse(R"({"x":2,"y":-1})")), (NormalizedPoint{2, -1}));
+        QVERIFY_THROWS_EXCEPTION(JsonDecodingError,
+                                 NormalizedPoint::fromJson(parse(R"({"x":0.1})")));
+        const NormalizedRect rect{0.25, 0.5, 0.5, 0.25};
+        QCOMPARE(rect.maxX(), 0.75);
+        QCOMPARE(NormalizedRect::fromJson(rect.toJson()), rect);
+        QVERIFY(!(NormalizedRect{0, 0, 1, 1} == NormalizedRect{0, 0, 1, 1 + 1e-12}));
+        const NormalizedPoint nan{std::nan(""), 0};
+        QVERIFY(!(nan == nan));
+        QCOMPARE(gridLineOrientationFromRawValue(QStringLiteral("vertical")),
+                 std::optional(GridLineOrientation::Vertical));
+        QVERIFY(!gridLineOrientationFromRawValue(QStringLiteral("Horizontal")));
+        QVERIFY_THROWS_EXCEPTION(JsonDecodingError, gridLineOrientationFromJson(
+                                                        QJsonValue(QStringLiteral("Horizontal"))));
+        const GridCell cell{1, 2, rect};
+        QCOMPARE(GridCell::fromJson(cell.toJson()), cell);
+    }
+
     void definitionEqualityIsById() {
         const GridDefinition a(QStringLiteral("x"), QStringLiteral("A"), {0.5}, {});
         QVERIFY(a == a.withName(QStringLiteral("B")).withSplits({0.1}, {0.2}));

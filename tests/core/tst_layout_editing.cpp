@@ -80,6 +80,9 @@ private Q_SLOTS:
         QCOMPARE(all.back().verticalSplits, (Splits{0.3333333333333333, 0.6666666666666666}));
         QCOMPARE(LayoutPresetCatalog::preset(LayoutPresetId::Grid2x2).title,
                  QString::fromUtf8("2×2"));
+        QVERIFY(!layoutPresetIdFromRawValue(QStringLiteral("Columns2")));
+        QCOMPARE(layoutPresetIdFromRawValue(QStringLiteral("leftThird")),
+                 std::optional(LayoutPresetId::LeftThird));
 
         const auto three = grid({0.2, 0.4, 0.6}, {});
         const auto rows =
