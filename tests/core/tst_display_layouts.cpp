@@ -176,13 +176,14 @@ private Q_SLOTS:
         QCOMPARE(activeId(selected), QStringLiteral("a"));
     }
 
-    // Stale, single and backward steps: staleOrMissingActiveLayout and the layout switching test.
-    // (LayoutCycle::nextId and previousId have no caller in the product.)
+    // Stale steps: staleOrMissingActiveLayout and the layout switching test.
     void cyclingWraps() {
         const QStringList abc{"a", "b", "c"};
         QCOMPARE(LayoutCycle::wrappedId("c", abc, 1), std::optional<QString>("a"));
         QCOMPARE(LayoutCycle::wrappedId("a", abc, -7), std::optional<QString>("c"));
         QCOMPARE(LayoutCycle::wrappedId("a", {}, 1), std::nullopt);
+        QCOMPARE(LayoutCycle::previousId("a", abc), std::optional<QString>("c"));
+        QCOMPARE(LayoutCycle::nextId("a", {"a"}), std::nullopt); // one layout goes nowhere
     }
 
     void selectorRowsAndFocus() {
