@@ -289,11 +289,6 @@ bool isCliInvocation(const QStringList& args) {
     return !args.isEmpty();
 }
 
-int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
-           const CliEnvironment& environment) {
-    return runCli(fromText(args), out, err, environment);
-}
-
 int runCli(const QList<QByteArray>& nativeArgs, QTextStream& out, QTextStream& err,
            const CliEnvironment& environment) {
     QList<Argument> arguments;

@@ -21,13 +21,10 @@ struct CliEnvironment {
     std::function<std::optional<QString>()> readAnswer = readStandardInputLine;
 };
 
-// Runs one headless command (`args` without the program name). Returns the process exit code: 0
-// on success, 1 when the command failed, 2 for a usage error (usage text on `err`).
-int runCli(const QStringList& args, QTextStream& out, QTextStream& err,
-           const CliEnvironment& environment = {});
-
-// The same with the arguments as the system passed them (argv without the program name): file
-// names are used byte for byte, so a name that is not valid in the locale's encoding still opens.
+// Runs one headless command with the arguments as the system passed them (argv without the
+// program name): file names are used byte for byte, so a name that is not valid in the locale's
+// encoding still opens. Returns the process exit code: 0 on success, 1 when the command failed, 2
+// for a usage error (usage text on `err`).
 int runCli(const QList<QByteArray>& nativeArgs, QTextStream& out, QTextStream& err,
            const CliEnvironment& environment = {});
 

@@ -25,8 +25,7 @@ struct Home {
     QTemporaryDir dir;
     ConfigStore store{LoggerFactory::makeLogger("ConfigStore"), [this] { return dir.path(); }};
 
-    template <typename Args>
-    Result run(const Args& args, std::optional<QString> answer = std::nullopt) {
+    Result run(const QList<QByteArray>& args, std::optional<QString> answer = std::nullopt) {
         QString out;
         QString err;
         QTextStream outStream(&out);
@@ -39,8 +38,13 @@ struct Home {
         errStream.flush();
         return {code, out, err};
     }
+    // Arguments as a shell in this locale would pass them.
     Result run(const QStringList& args, std::optional<QString> answer = std::nullopt) {
-        return run<QStringList>(args, answer);
+        QList<QByteArray> native;
+        for (const QString& arg : args) {
+            native << QFile::encodeName(arg);
+        }
+        return run(native, answer);
     }
     QByteArray read(const QString& path) const {
         QFile file(path);
