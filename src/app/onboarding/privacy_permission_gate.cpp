@@ -1,19 +1,14 @@
 #include "app/onboarding/privacy_permission_gate.h"
 
+#include "core/config/name_table.h"
+
 namespace paneforge {
 
 namespace {
-QString stepName(PrivacyCoachStep step) {
-    switch (step) {
-    case PrivacyCoachStep::Accessibility:
-        return QStringLiteral("accessibility");
-    case PrivacyCoachStep::ListenEvent:
-        return QStringLiteral("listenEvent");
-    case PrivacyCoachStep::Ready:
-        break;
-    }
-    return QStringLiteral("ready");
-}
+constexpr auto kStepNames =
+    nameTable<PrivacyCoachStep>({{PrivacyCoachStep::Accessibility, "accessibility"},
+                                 {PrivacyCoachStep::ListenEvent, "listenEvent"},
+                                 {PrivacyCoachStep::Ready, "ready"}});
 } // namespace
 
 PrivacyPermissionGate::PrivacyPermissionGate(PrivacyPermissionGateServices services)
@@ -83,7 +78,8 @@ void PrivacyPermissionGate::presentCoachIfNeeded(bool trusted) {
             guard_.wrap([](PrivacyPermissionGate& self) { self.openSettings(); }));
     }
     presentedStep_ = step;
-    services_.fileLog(QStringLiteral("PrivacyPermissionGate.coach step=") + stepName(step));
+    services_.fileLog(QStringLiteral("PrivacyPermissionGate.coach step=") +
+                      kStepNames.nameOf(step));
     coach_->present(services_.source.coachContent(step));
 }
 
