@@ -261,9 +261,7 @@ void GridEditorOverlayView::loadLayoutControls() {
         const QSignalBlocker blocker(layoutPopup_);
         layoutPopup_->clear();
         for (const GridDefinition& layout : model_.layouts()) {
-            layoutPopup_->addItem(layout.name().trimmed().isEmpty() ? QStringLiteral("Untitled")
-                                                                    : layout.name(),
-                                  layout.id());
+            layoutPopup_->addItem(layout.displayName(), layout.id());
         }
         layoutPopup_->setCurrentIndex(layoutPopup_->findData(model_.grid().id()));
     }

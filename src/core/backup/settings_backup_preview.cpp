@@ -9,8 +9,7 @@ namespace paneforge {
 namespace {
 
 SettingsBackupPreviewLayout previewLayout(const GridDefinition& grid) {
-    const QString name = grid.name().trimmed().isEmpty() ? QStringLiteral("Untitled") : grid.name();
-    return {name, grid};
+    return {grid.displayName(), grid};
 }
 
 QStringList headerLines(const SettingsBackupPreview& preview,

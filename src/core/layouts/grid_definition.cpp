@@ -63,6 +63,10 @@ GridDefinition GridDefinition::withSplits(const std::vector<double>& vertical,
     return GridDefinition(id_, name_, vertical, horizontal);
 }
 
+QString GridDefinition::displayName() const {
+    return name_.trimmed().isEmpty() ? QStringLiteral("Untitled") : name_;
+}
+
 bool GridDefinition::hasSameContent(const GridDefinition& other) const {
     return id_ == other.id_ && name_ == other.name_ &&
            horizontalSplits_ == other.horizontalSplits_ && verticalSplits_ == other.verticalSplits_;

@@ -26,6 +26,8 @@ public:
 
     const QString& id() const { return id_; }
     const QString& name() const { return name_; }
+    // The name to show: as stored, or "Untitled" when it is blank.
+    QString displayName() const;
     const std::vector<double>& horizontalSplits() const { return horizontalSplits_; }
     const std::vector<double>& verticalSplits() const { return verticalSplits_; }
 

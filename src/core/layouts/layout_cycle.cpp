@@ -31,10 +31,7 @@ LayoutCycleHUDPolicy::nameToPresent(const std::optional<GridDefinition>& layout)
     if (!layout) {
         return std::nullopt;
     }
-    if (layout->name().trimmed().isEmpty()) {
-        return QStringLiteral("Untitled");
-    }
-    return layout->name();
+    return layout->displayName();
 }
 
 std::vector<LayoutSelectorItem>
