@@ -127,7 +127,7 @@ private Q_SLOTS:
         // Refused before the parser builds a tree for them: a tree of these takes gigabytes.
         QTest::newRow("deep nesting")
             << QByteArray("{\"x\":\n") + QByteArray(100000, '[')
-            << "more than 32 levels of nested arrays and objects, at line 2, column 32";
+            << "more than 32 levels of nested arrays and objects, at line 2, column 32)";
         QTest::newRow("brackets in strings do not nest")
             << QByteArray(kMinimalFile)
                    .replace("\"cellMarginPoints\":4", "\"cellMarginPoints\":true,\"note\":\"" +
