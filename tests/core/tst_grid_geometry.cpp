@@ -177,7 +177,8 @@ private Q_SLOTS:
         QCOMPARE(DisplayCycle::nextId(7, row), Id(3));  // left to right
         QCOMPARE(DisplayCycle::nextId(5, row), Id(7));  // wraps
         QCOMPARE(DisplayCycle::nextId(99, row), Id(7)); // an unknown current one goes first
-        const Items stacked = {{1, {0, 1080, 1920, 1080}}, {2, {0, 0, 1920, 1080}}};
+        const Items stacked = {
+            {1, {0, 1080, 1920, 1080}}, {2, {0, 0, 1920, 1080}}, {3, {0, 2160, 1920, 1080}}};
         QCOMPARE(DisplayCycle::nextId(2, stacked), Id(1)); // the lower one first
         QCOMPARE(DisplayCycle::nextId(4, {{9, {0, 0, 10, 10}}, {4, {0, 0, 10, 10}}}), Id(9));
         QCOMPARE(DisplayCycle::nextId(1, {{1, {0, 0, 10, 10}}}), Id());
