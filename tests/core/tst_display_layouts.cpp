@@ -129,6 +129,7 @@ private Q_SLOTS:
         };
         row("active last goes to previous", "c", "c", "b");
         row("active first goes to next", "a", "a", "b");
+        row("active middle goes to next", "b", "b", "c");
         row("inactive keeps active", "a", "c", "a");
         row("stale active stays", "gone", "b", "gone");
     }
