@@ -26,17 +26,14 @@ struct Home {
     ConfigStore store{LoggerFactory::makeLogger("ConfigStore"), [this] { return dir.path(); }};
 
     Result run(const QList<QByteArray>& args, std::optional<QString> answer = std::nullopt) {
-        QString out;
-        QString err;
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
+        Result result{0, {}, {}};
+        QTextStream out(&result.out);
+        QTextStream err(&result.err);
         CliEnvironment environment;
         environment.configDirectory = [this] { return dir.path(); };
         environment.readAnswer = [answer] { return answer; };
-        const int code = runCli(args, outStream, errStream, environment);
-        outStream.flush();
-        errStream.flush();
-        return {code, out, err};
+        result.code = runCli(args, out, err, environment);
+        return result;
     }
     // Arguments as a shell in this locale would pass them.
     Result run(const QStringList& args, std::optional<QString> answer = std::nullopt) {
@@ -46,14 +43,9 @@ struct Home {
         }
         return run(native, answer);
     }
-    QByteArray read(const QString& path) const {
-        QFile file(path);
+    QByteArray config() const {
+        QFile file(store.getConfigPath());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    void write(const QString& path, const QByteArray& bytes) const {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
     }
 };
 
@@ -79,41 +71,23 @@ private Q_SLOTS:
                             const QString& err, const QByteArray& contents = {}) {
             QTest::newRow(tag) << args << contents << code << out << err;
         };
-        const QString notRegular = "paneforge: %1: it is a %2, not a regular file\n";
         const QByteArray otherFormat =
-            R"({"format":"something-else","formatVersion":1,"exportedAt":"2025-03-14T09:26:53Z",)"
-            R"("appVersion":"1","config":{"displays":{},"defaultLayout":{"id":"d","name":"D",)"
-            R"("horizontalSplits":[],"verticalSplits":[]},"cellMarginPoints":8}})";
+            SettingsBackupEncoder::encode(PaneforgeConfig::makeDefault(),
+                                          QDateTime::currentDateTimeUtc(), "1")
+                .replace("paneforge-backup", "something-else");
         row("config path", {"config", "path"}, 0, "@HOME/Paneforge/config.json\n", "");
         row("config print: the defaults", {"config", "print"}, 0, defaults() + "\n", "");
         row("config check: none yet", {"config", "check"}, 1, "",
             "paneforge: @HOME/Paneforge/config.json: no such file\n");
         row("config check: valid", {"config", "check", "@FILE"}, 0, "OK\n", "", defaults());
-        row("config print: a file", {"config", "print", "@FILE"}, 0, defaults() + "\n", "",
-            defaults());
-        row("config check: missing key", {"config", "check", "@FILE"}, 1, "", "*defaultLayout*",
-            R"({"displays":{},"cellMarginPoints":8})");
         row("config check: syntax error on line 3", {"config", "check", "@FILE"}, 1, "", "*line 3*",
             "{\n  \"displays\" : {},\n  oops\n}");
-        // Only regular files are read: a named pipe would block the reader for good, a device
-        // never ends.
         row("config check: named pipe", {"config", "check", "@PIPE"}, 1, "",
-            notRegular.arg("@PIPE", "named pipe"));
-        row("config print: named pipe", {"config", "print", "@PIPE"}, 1, "",
-            notRegular.arg("@PIPE", "named pipe"));
-        row("backup check: named pipe", {"backup", "check", "@PIPE"}, 1, "",
-            notRegular.arg("@PIPE", "named pipe"));
+            "paneforge: @PIPE: it is a named pipe, not a regular file\n");
         row("backup check: device", {"backup", "check", "/dev/zero"}, 1, "",
-            notRegular.arg("/dev/zero", "device"));
-        row("config print: device", {"config", "print", "/dev/zero"}, 1, "",
-            notRegular.arg("/dev/zero", "device"));
-        row("config check: folder", {"config", "check", "/"}, 1, "", notRegular.arg("/", "folder"));
-        row("backup check: not a backup", {"backup", "check", "@FILE"}, 1, "",
-            "paneforge: @FILE: This file is not a Paneforge backup.*", otherFormat);
+            "paneforge: /dev/zero: it is a device, not a regular file\n");
         row("backup restore: not a backup", {"backup", "restore", "@FILE", "--yes"}, 1, "",
             "paneforge: @FILE: This file is not a Paneforge backup.*", otherFormat);
-        row("backup check: no file", {"backup", "check", "@FILE"}, 1, "",
-            "paneforge: @FILE: no such file\n");
         row("backup check: file missing", {"backup", "check"}, 2, "",
             "paneforge: backup check takes one FILE\nusage: paneforge*");
         row("backup check: unknown option", {"backup", "check", "@FILE", "--force"}, 2, "",
@@ -122,15 +96,6 @@ private Q_SLOTS:
         row("version", {"--version"}, 0, "Paneforge " PANEFORGE_VERSION "\n", "");
         row("unknown command", {"frobnicate"}, 2, "",
             "paneforge: unknown command “frobnicate”\nusage: paneforge*");
-        row("unknown config command", {"config", "edit"}, 2, "",
-            "paneforge: unknown config command “edit”\nusage: paneforge*");
-        row("unknown option", {"config", "check", "--strict"}, 2, "", "*\nusage: paneforge*");
-        row("too many files", {"config", "print", "a", "b"}, 2, "",
-            "paneforge: config print takes at most one FILE\nusage: paneforge*");
-        row("unknown agent option", {"--frobnicate"}, 2, "",
-            "paneforge: unknown option “--frobnicate”\nusage: paneforge*");
-        row("version takes nothing more", {"--version", "now"}, 2, "",
-            "paneforge: --version takes no arguments\nusage: paneforge*");
     }
     void commands() {
         QFETCH(QStringList, args);
@@ -142,9 +107,10 @@ private Q_SLOTS:
         const QString file = home.dir.filePath("file.json");
         const QString pipe = home.dir.filePath("pipe");
         QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        if (!contents.isEmpty()) {
-            home.write(file, contents);
-        }
+        QFile written(file);
+        QVERIFY(contents.isEmpty() ||
+                (written.open(QIODevice::WriteOnly) && written.write(contents) == contents.size()));
+        written.close();
         for (QString* text : {&out, &err}) {
             text->replace("@HOME", home.dir.path()).replace("@FILE", file).replace("@PIPE", pipe);
         }
@@ -170,42 +136,31 @@ private Q_SLOTS:
         QCOMPARE(result.out, "OK\n");
     }
 
-    // A backup holds the whole configuration; restoring it asks first, unless told --yes.
+    // A backup holds the whole configuration; restoring it asks first (--yes, which does not ask,
+    // is played end to end by agent_shell's restoredBackupReachesTheRunningAgent).
     void exportCheckAndRestore_data() {
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<std::optional<QString>>("answer");
-        QTest::addColumn<bool>("restored");
-        QTest::newRow("yes") << QStringList{} << std::optional<QString>("y") << true;
-        QTest::newRow("no") << QStringList{} << std::optional<QString>("n") << false;
-        QTest::newRow("end of input") << QStringList{} << std::optional<QString>() << false;
-        QTest::newRow("--yes asks nothing")
-            << QStringList{"--yes"} << std::optional<QString>() << true;
+        QTest::addColumn<QString>("answer");
+        QTest::newRow("yes") << "y";
+        QTest::newRow("no") << "n";
     }
     void exportCheckAndRestore() {
-        QFETCH(QStringList, options);
-        QFETCH(std::optional<QString>, answer);
-        QFETCH(bool, restored);
+        QFETCH(QString, answer);
         Home home;
-        const auto saved = PaneforgeConfig::makeDefault().withCellMarginPoints(3);
-        home.store.saveConfig(saved);
-        const QByteArray savedBytes = home.read(home.store.getConfigPath());
+        home.store.saveConfig(PaneforgeConfig::makeDefault().withCellMarginPoints(3));
+        const QByteArray savedBytes = home.config();
         const QString file = home.dir.filePath("backup.json");
         QCOMPARE(home.run({"backup", "export", file}).out, "Backup written to " + file + "\n");
-        QVERIFY(SettingsBackupRestore::liveConfig(home.read(file)) == saved);
         QCOMPARE(home.run({"backup", "export", file}).err,
                  "paneforge: " + file + " already exists; use --force to overwrite it\n");
         QCOMPARE(home.run({"backup", "export", file, "--force"}).code, 0);
-        const Result check = home.run({"backup", "check", file});
-        QCOMPARE(check.code, 0);
-        QVERIFY(check.out.contains("Version: " PANEFORGE_VERSION));
-        QVERIFY(check.out.contains("Default: Default"));
+        QVERIFY(home.run({"backup", "check", file}).out.contains("Version: " PANEFORGE_VERSION));
 
         home.store.saveConfig(PaneforgeConfig::makeDefault().withCellMarginPoints(20));
-        const QByteArray changedBytes = home.read(home.store.getConfigPath());
-        const Result restore = home.run(QStringList{"backup", "restore", file} + options, answer);
-        QCOMPARE(restore.code, restored ? 0 : 1);
+        const QByteArray changedBytes = home.config();
+        const Result restore = home.run({"backup", "restore", file}, answer);
+        QCOMPARE(restore.code, answer == "y" ? 0 : 1);
         QVERIFY(restore.out.contains("Default: Default"));
-        QCOMPARE(home.read(home.store.getConfigPath()), restored ? savedBytes : changedBytes);
+        QCOMPARE(home.config(), answer == "y" ? savedBytes : changedBytes);
     }
 };
 

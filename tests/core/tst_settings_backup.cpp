@@ -7,30 +7,30 @@ using namespace paneforge;
 
 namespace {
 
-const char* const kBackup = "\"paneforge-backup\"";
 const char* const kDate = "\"2025-03-14T09:26:53Z\"";
 const QDateTime kExported(QDate(2025, 3, 14), QTime(9, 26, 53, 750), QTimeZone::utc());
 
-QByteArray backupWith(const QByteArray& format, const QByteArray& version, const QByteArray& date) {
+QByteArray backupWith(const QByteArray& version, const QByteArray& date = kDate) {
     QByteArray text =
         SettingsBackupEncoder::encode(PaneforgeConfig::makeDefault(), kExported, "1.2.3");
-    text.replace("\"paneforge-backup\"", format);
     text.replace("\"formatVersion\" : 1", "\"formatVersion\" : " + version);
-    text.replace("\"2025-03-14T09:26:53Z\"", date);
-    return text;
+    return text.replace(kDate, date);
 }
 
 enum class Outcome { Ok, Decoding, InvalidFormat, UnsupportedVersion };
 
-Outcome outcomeOf(const QByteArray& data) {
+// What reading a backup gives, and the message of a decoding error.
+std::pair<Outcome, QString> outcomeOf(const QByteArray& data) {
     try {
         SettingsBackupRestore::document(data);
-        return Outcome::Ok;
-    } catch (const SettingsBackupDecodingError&) {
-        return Outcome::Decoding;
+        return {Outcome::Ok, {}};
+    } catch (const SettingsBackupDecodingError& e) {
+        return {Outcome::Decoding, e.message()};
     } catch (const SettingsBackupRestoreException& e) {
-        return e.error() == SettingsBackupRestoreError::InvalidFormat ? Outcome::InvalidFormat
-                                                                      : Outcome::UnsupportedVersion;
+        return {e.error() == SettingsBackupRestoreError::InvalidFormat
+                    ? Outcome::InvalidFormat
+                    : Outcome::UnsupportedVersion,
+                {}};
     }
 }
 
@@ -51,10 +51,8 @@ private Q_SLOTS:
         const QByteArray bytes = SettingsBackupEncoder::encode(config, kExported, "1.2.3");
         const auto document = SettingsBackupRestore::document(bytes);
         QVERIFY(document.config == config);
-        QCOMPARE(document.appVersion, QStringLiteral("1.2.3"));
         QCOMPARE(document.exportedAt,
                  QDateTime(QDate(2025, 3, 14), QTime(9, 26, 53), QTimeZone::utc()));
-        QVERIFY(bytes.startsWith("{\n  \"appVersion\" : \"1.2.3\",\n  \"config\" : {"));
         QVERIFY(bytes.contains("\"exportedAt\" : \"2025-03-14T09:26:53Z\",\n  \"format\" : "
                                "\"paneforge-backup\",\n  \"formatVersion\" : 1\n}"));
         QCOMPARE(SettingsBackupEncoder::encode(document), bytes);
@@ -65,57 +63,36 @@ private Q_SLOTS:
     void threeOutcomesStayApart_data() {
         QTest::addColumn<QByteArray>("data");
         QTest::addColumn<Outcome>("outcome");
-        const auto row = [](const char* tag, const char* format, const char* version,
-                            const char* date, Outcome outcome) {
-            QTest::newRow(tag) << backupWith(format, version, date) << outcome;
+        QTest::addColumn<QString>("message");
+        const auto row = [](const char* tag, const QByteArray& data, Outcome outcome,
+                            const char* message = "") {
+            QTest::newRow(tag) << data << outcome << QString(message);
         };
-        row("valid", kBackup, "1", kDate, Outcome::Ok);
-        row("offset date", kBackup, "1", "\"2025-03-14T10:26:53+01:00\"", Outcome::Ok);
-        row("version 0", kBackup, "0", kDate, Outcome::UnsupportedVersion);
-        row("fractional seconds", kBackup, "1", "\"2025-03-14T09:26:53.5Z\"", Outcome::Decoding);
-        row("impossible date", kBackup, "1", "\"2025-02-30T09:26:53Z\"", Outcome::Decoding);
-        row("version as text", kBackup, "\"1\"", kDate, Outcome::Decoding);
+        row("valid", backupWith("1"), Outcome::Ok);
+        row("offset date", backupWith("1", "\"2025-03-14T10:26:53+01:00\""), Outcome::Ok);
+        row("version 0", backupWith("0"), Outcome::UnsupportedVersion);
+        row("impossible date", backupWith("1", "\"2025-02-30T09:26:53Z\""), Outcome::Decoding);
         // A valid 64-bit integer is a version, however large; the double it rounds to is not.
-        row("version 2^63 - 1", kBackup, "9223372036854775807", kDate, Outcome::UnsupportedVersion);
-        row("version 2^63", kBackup, "9223372036854775808", kDate, Outcome::Decoding);
-        QTest::newRow("truncated")
-            << backupWith(kBackup, "1", kDate).left(200) << Outcome::Decoding;
-        QTest::newRow("too large")
-            << QByteArray(SettingsBackupFormat::maxFileSizeBytes + 1, ' ') << Outcome::Decoding;
-        QTest::newRow("hostile nesting") << QByteArray(200000, '{') << Outcome::Decoding;
+        row("version 2^63 - 1", backupWith("9223372036854775807"), Outcome::UnsupportedVersion);
+        row("version 2^63", backupWith("9223372036854775808"), Outcome::Decoding);
+        row("a configuration file", ConfigStore::encodeConfig(PaneforgeConfig::makeDefault()),
+            Outcome::Decoding, "missing key at the top level: no value for key \"format\"");
+        row("too large", QByteArray(SettingsBackupFormat::maxFileSizeBytes + 1, ' '),
+            Outcome::Decoding);
+        row("hostile nesting", QByteArray(200000, '{'), Outcome::Decoding);
+        // A 16 MB backup of arrays nested 1,000 deep in an ignored key once took 1.3 GB to accept.
+        row("deep nesting in an ignored key",
+            backupWith("1").insert(1, "\"ignored\":" + QByteArray(1000, '[') +
+                                          QByteArray(1000, ']') + ","),
+            Outcome::Decoding, "more than 32 levels of nested arrays and objects, at byte 42");
     }
     void threeOutcomesStayApart() {
         QFETCH(QByteArray, data);
         QFETCH(Outcome, outcome);
-        QCOMPARE(outcomeOf(data), outcome);
-    }
-
-    void decodingErrorsNameTheProblem_data() {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("a configuration file")
-            << ConfigStore::encodeConfig(PaneforgeConfig::makeDefault())
-            << "missing key at the top level: no value for key \"format\"";
-        QTest::newRow("nearly whole version") << backupWith(kBackup, "1.0000001", kDate)
-                                              << "formatVersion: 1.0000001 is not a whole number";
-        QTest::newRow("version beyond 64 bits")
-            << backupWith(kBackup, "1e19", kDate)
-            << "formatVersion: 10000000000000000000 does not fit in a 64-bit integer";
-        // A 16 MB backup of arrays nested 1,000 deep in an ignored key once took 1.3 GB to accept.
-        QByteArray deep = backupWith(kBackup, "1", kDate);
-        deep.insert(1, "\"ignored\":" + QByteArray(1000, '[') + QByteArray(1000, ']') + ",");
-        QTest::newRow("deep nesting in an ignored key")
-            << deep << "more than 32 levels of nested arrays and objects, at byte 42";
-    }
-    void decodingErrorsNameTheProblem() {
-        QFETCH(QByteArray, data);
         QFETCH(QString, message);
-        try {
-            SettingsBackupRestore::document(data);
-            QFAIL("not a backup document");
-        } catch (const SettingsBackupDecodingError& error) {
-            QVERIFY2(error.message().contains(message), qPrintable(error.message()));
-        }
+        const auto [actual, text] = outcomeOf(data);
+        QCOMPARE(actual, outcome);
+        QVERIFY2(text.contains(message), qPrintable(text));
     }
 
     void suggestedFileNameUsesTheLocalDate() {
@@ -129,8 +106,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         QTest::newRow("English (US)") << "en_US"
                                       << "Mar 14, 2025, 9:26 AM";
-        QTest::newRow("German") << "de_DE"
-                                << "14. März 2025, 09:26";
         QTest::newRow("C, whose short time has seconds") << "C"
                                                          << "14 Mar 2025, 09:26";
     }
@@ -149,9 +124,6 @@ private Q_SLOTS:
         const auto empty =
             SettingsBackupPreviewBuilder::preview(SettingsBackupEncoder::makeDocument(
                 PaneforgeConfig::makeDefault(), kExported, "1.2.3"));
-        const auto sections = SettingsBackupPreviewBuilder::sections(empty);
-        QCOMPARE(sections.size(), size_t(1));
-        QCOMPARE(sections[0].title, QStringLiteral("Default"));
         QCOMPARE(
             SettingsBackupPreviewBuilder::informativeText(empty, fixed),
             QStringLiteral(
@@ -167,21 +139,12 @@ private Q_SLOTS:
         QCOMPARE(SettingsBackupPreviewBuilder::sections(two)[1].title, QStringLiteral("Display 2"));
         QVERIFY(SettingsBackupPreviewBuilder::informativeText(two, fixed)
                     .endsWith("\nDisplay 1: Untitled\nDisplay 2: Code, Web"));
-        QCOMPARE(SettingsBackupPreviewBuilder::headerText(two, fixed).count('\n'), 2);
     }
 
     void boardGeometry() {
         namespace B = RestorePreviewBoardLayout;
-        QCOMPARE(B::sectionHeight(0), 120.0);
-        QCOMPARE(B::rowCount(0), 0);
-        QCOMPARE(B::cardsPerRow(0), 1);
         QCOMPARE(B::panelSize({12, 2}).width, 724.0);
-        QCOMPARE(B::boardWidth({}), 132.0);
-        QCOMPARE(B::panelSize({1}).width, 452.0);
-        QCOMPARE(B::boardHeight({12, 2}), 336.0 + 12.0 + 120.0);
         QCOMPARE(B::panelSize({12, 2}).height, 360.0 + 152.0);
-        QCOMPARE(B::panelSize({2}).height, 120.0 + 152.0);
-        QCOMPARE(B::sectionMinY(0, {12, 2}), 0.0);
         QCOMPARE(B::sectionMinY(1, {12, 2}), 348.0);
         QCOMPARE(B::cardFrame(7), (B::Rect{280, 128, 132, 100}));
     }

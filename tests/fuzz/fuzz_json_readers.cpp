@@ -12,9 +12,11 @@ using namespace paneforge;
 
 namespace {
 
-[[noreturn]] void fail(const char* what, const QByteArray& printed) {
-    std::fprintf(stderr, "%s\n%s\n", what, printed.constData());
-    std::abort();
+void check(bool holds, const char* what, const QByteArray& printed) {
+    if (!holds) {
+        std::fprintf(stderr, "%s\n%s\n", what, printed.constData());
+        std::abort();
+    }
 }
 
 void configuration(const QByteArray& bytes) {
@@ -27,14 +29,10 @@ void configuration(const QByteArray& bytes) {
     const QByteArray printed = ConfigStore::encodeConfig(*config);
     try {
         const PaneforgeConfig again = ConfigStore::decodeConfig(printed);
-        if (!(again == *config)) {
-            fail("a printed configuration reads back as another one", printed);
-        }
-        if (ConfigStore::encodeConfig(again) != printed) {
-            fail("a printed configuration prints differently", printed);
-        }
+        check(again == *config, "a printed configuration reads back as another one", printed);
+        check(ConfigStore::encodeConfig(again) == printed, "it prints differently", printed);
     } catch (const ConfigStoreError& error) {
-        fail(qPrintable(error.message()), printed);
+        check(false, qPrintable(error.message()), printed);
     }
 }
 
@@ -49,11 +47,10 @@ void backup(const QByteArray& bytes) {
     }
     const QByteArray printed = SettingsBackupEncoder::encode(*document);
     try {
-        if (!(SettingsBackupRestore::document(printed) == *document)) {
-            fail("a printed backup reads back as another one", printed);
-        }
+        check(SettingsBackupRestore::document(printed) == *document,
+              "a printed backup reads back as another one", printed);
     } catch (const std::exception& error) {
-        fail(error.what(), printed);
+        check(false, error.what(), printed);
     }
 }
 
