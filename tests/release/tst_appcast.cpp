@@ -8,9 +8,7 @@ using namespace paneforge::release;
 namespace {
 
 // 64 bytes of base64, the size of an EdDSA signature.
-QString signature(char fill = 's') {
-    return QString::fromLatin1(QByteArray(64, fill).toBase64());
-}
+const QString kSignature = QString::fromLatin1(QByteArray(64, 's').toBase64());
 
 AppcastItem item(const QString& version, const QString& file = {}) {
     AppcastItem item;
@@ -22,7 +20,7 @@ AppcastItem item(const QString& version, const QString& file = {}) {
     item.url = QUrl(QStringLiteral("https://downloads.example.org/paneforge/") +
                     (file.isEmpty() ? QStringLiteral("Paneforge-%1.dmg").arg(version) : file));
     item.length = 1234567;
-    item.edSignature = signature();
+    item.edSignature = kSignature;
     return item;
 }
 
@@ -65,22 +63,11 @@ private Q_SLOTS:
             "</sparkle:releaseNotesLink>\n"
             "    <enclosure url=\"https://downloads.example.org/paneforge/Paneforge-1.2.1.dmg\" "
             "length=\"1234567\" type=\"application/octet-stream\" sparkle:edSignature=\"");
-        QCOMPARE(itemXml(release), expected + signature().toLatin1() + "\"/>\n</item>\n");
+        QCOMPARE(itemXml(release), expected + kSignature.toLatin1() + "\"/>\n</item>\n");
     }
 
-    // The channel as RSS 2.0 has it. Items are written as itemXml writes them, newest first
-    // (ReleaseCliTest::feedFromItemsAndAnEarlierFeed), and read back (readsWhatItWrites).
-    void emptyFeed() {
-        QCOMPARE(feedXml(channel(), {}),
-                 QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rss "
-                            "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/"
-                            "sparkle\" version=\"2.0\">\n    <channel>\n"
-                            "        <title>Paneforge</title>\n"
-                            "        <link>https://paneforge.example.org/</link>\n"
-                            "        <description>Paneforge updates</description>\n"
-                            "        <language>en</language>\n    </channel>\n</rss>\n"));
-    }
-
+    // Written newest first: ReleaseCliTest::feedFromItemsAndAnEarlierFeed; read back:
+    // readsWhatItWrites.
     void feedRefusals_data() {
         QTest::addColumn<FeedChannel>("channel");
         QTest::addColumn<Entries>("entries");
@@ -92,8 +79,6 @@ private Q_SLOTS:
         const auto entry = [](const char* version, const QString& file) {
             return FeedEntry{item(version, file + ".dmg"), file};
         };
-        AppcastItem empty = item("1.0");
-        empty.length = 0;
         const QUrl link("https://paneforge.example.org/");
         row("same version", channel(), {entry("1.2", "a"), entry("1.3", "b"), entry("1.2", "c")},
             "version 1.2 would be in the feed twice: a and c (one item per version)");
@@ -101,12 +86,7 @@ private Q_SLOTS:
             "version 1.2 would be in the feed twice: a and b");
         row("same download", channel(), {entry("1.2", "a"), {item("1.3", "a.dmg"), "b"}},
             "versions 1.3 and 1.2 both download https://downloads.example.org/paneforge/a.dmg");
-        row("invalid item", channel(), {{empty, "old.xml"}},
-            "old.xml: the length 0 is not a file size");
         row("no title", {" ", link, "updates"}, {}, "the feed needs a title");
-        row("no description", {"Paneforge", link, " "}, {}, "the feed needs a description");
-        row("bad link", {"Paneforge", QUrl("paneforge"), "updates"}, {},
-            "the feed's link “paneforge” is not a web address");
     }
 
     void feedRefusals() {
@@ -128,10 +108,6 @@ private Q_SLOTS:
         QCOMPARE(fromFeed.size(), std::size_t(2));
         QCOMPARE(itemXml(fromFeed[0]), itemXml(first));
         QCOMPARE(itemXml(fromFeed[1]), itemXml(second));
-
-        const std::vector<AppcastItem> fromItem = readItems(itemXml(second));
-        QCOMPARE(fromItem.size(), std::size_t(1));
-        QCOMPARE(itemXml(fromItem[0]), itemXml(second));
     }
 
     void readRefusals_data() {
@@ -147,30 +123,15 @@ private Q_SLOTS:
             QTest::newRow(tag) << xml << QString(error);
         };
         row("not xml", "version 1.0", "not XML");
-        row("empty", "", "the file is empty");
         row("other root", "<feed/>", "<feed> is neither an <item>");
         row("unknown element", edit("<title>", "<sparkle:criticalUpdate/><title>"),
             "item 1: it has <sparkle:criticalUpdate>, which this tool does not write");
-        row("other namespace", edit("http://www.andymatuschak.org/xml-namespaces/sparkle", "urn:o"),
-            "item 1: it has <sparkle:version (namespace urn:o)>");
-        row("twice", edit("<title>", "<title>x</title><title>"), "<title> appears twice");
         row("no enclosure",
             edit("<enclosure", "<!--enclosure").replace("/>\n</item>", "-->\n</item>"),
             "it has no <enclosure>");
-        row("no version", edit("<sparkle:version>1.0</sparkle:version>", ""),
-            "it has no <sparkle:version>");
         row("malformed version", edit("<sparkle:version>1.0<", "<sparkle:version>1.0-beta<"),
             "“1.0-beta” is not a version");
         row("plain http", edit("https://downloads", "http://downloads"), "must use https");
-        row("bad length", edit("length=\"1234567\"", "length=\"big\""),
-            "length “big” is not a number");
-        row("other type", edit("application/octet-stream", "application/zip"),
-            "enclosure type is “application/zip”");
-        row("bad signature", edit("sparkle:edSignature=\"", "sparkle:edSignature=\"x"),
-            "is not an EdDSA signature");
-        row("extra attribute", edit("<enclosure ", "<enclosure sparkle:os=\"macos\" "),
-            "its enclosure has the attribute sparkle:os");
-        row("bad date", edit("Mon, 23 Nov 2026", "someday"), "is not a date");
         row("broken after the item", good + "<item>", "not valid XML");
     }
 
@@ -191,34 +152,18 @@ private Q_SLOTS:
                             const QString& expected, const char* error) {
             QTest::newRow(tag) << QString(field) << given << expected << QString(error);
         };
-        const QString sig = signature();
-        const QString signUpdate = "sparkle:edSignature=\"" + sig + "\"";
-        const char* notSignature = "is not an EdDSA signature";
-        row("signature", "signature", sig, sig, "");
-        row("signature padded with space", "signature", "  " + sig + "\n", sig, "");
-        row("sign_update output", "signature", signUpdate + " length=\"100\"", sig, "");
-        row("sign_update output without length", "signature", signUpdate, sig, "");
-        row("short signature", "signature", QString::fromLatin1(QByteArray(32, 's').toBase64()), "",
-            notSignature);
-        row("signature not base64", "signature", QString(88, QChar('!')), "", notSignature);
-        row("signature unpadded", "signature", QString(sig).remove('='), "", notSignature);
-        row("no signature", "signature", "", "", notSignature);
-        const char* notMacos = "is not a macOS version such as 12.0 or 13.5.1";
-        row("system: major", "system", "12", "12.0.0", "");
-        row("system: three parts", "system", "13.5.1", "13.5.1", "");
-        row("system: four parts", "system", "13.5.1.2", "", notMacos);
-        row("system: trailing dot", "system", "12.", "", notMacos);
-        row("system: empty", "system", "", "", notMacos);
+        // A plain signature, the minimum system's padding and an ISO date: tst_release_cli.
+        row("signature padded with space", "signature", "  " + kSignature + "\n", kSignature, "");
+        row("sign_update output", "signature",
+            "sparkle:edSignature=\"" + kSignature + "\" length=\"100\"", kSignature, "");
+        row("signature not base64", "signature", QString(88, QChar('!')), "",
+            "is not an EdDSA signature");
+        row("system: four parts", "system", "13.5.1.2", "",
+            "is not a macOS version such as 12.0 or 13.5.1");
         const QString date = "Mon, 05 Oct 2015 19:20:11 +0000";
-        const char* notDate = "is not a date";
-        row("date: RFC 822", "date", date, date, "");
         row("date: RFC 822 with offset", "date", "Mon, 05 Oct 2015 21:20:11 +0200", date, "");
-        row("date: ISO 8601", "date", "2015-10-05T19:20:11Z", date, "");
         row("date: ISO 8601 with offset", "date", "2015-10-05T21:20:11+02:00", date, "");
-        row("date: no zone", "date", "2015-10-05T19:20:11", "", notDate);
-        row("date: words", "date", "yesterday", "", notDate);
-        row("url with a space", "url", "https://example.org/a b.dmg",
-            "https://example.org/a%20b.dmg", "");
+        row("date: no zone", "date", "2015-10-05T19:20:11", "", "is not a date");
         row("relative url", "url", "Paneforge.dmg", "",
             "the URL “Paneforge.dmg” is not an absolute URL");
     }

@@ -1,5 +1,6 @@
 // The snap overlay: its model (desktop to view coordinates, outlines, fills and mask for any
-// margin) and its window (what it draws, its shape without a compositor, its native hook).
+// margin) and its window (what it draws, its shape without a compositor, its native hook). That
+// it opens over the whole visible frame: agent_snapping.
 
 #include "core/geometry/cell_frame_calculator.h"
 #include "core/geometry/grid_calculator.h"
@@ -16,14 +17,12 @@ using namespace paneforge;
 
 namespace {
 
-const QRectF kPrimary(0, 0, 400, 300);
-// The lower 200 points of the primary screen, as two zones of 100 x 200 and a gap.
+// The lower 200 points of a 400 x 300 primary screen, as two zones of 100 x 200 and a gap.
 const DesktopRect kVisible(0, 0, 200, 200);
 const QList<DesktopRect> kCells{DesktopRect(0, 0, 100, 200), DesktopRect(100, 0, 100, 200)};
 
 SnapOverlayEnvironment environment(bool translucent) {
-    return SnapOverlayEnvironment{[] { return kPrimary; }, [translucent] { return translucent; },
-                                  nullptr};
+    return {[] { return QRectF(0, 0, 400, 300); }, [translucent] { return translucent; }, nullptr};
 }
 
 QImage render(SnapOverlayView& view) {
@@ -43,24 +42,20 @@ private Q_SLOTS:
         QTest::addColumn<QRectF>("primary");
         QTest::addColumn<QPointF>("windowOrigin");
         QTest::addColumn<QRectF>("expected");
-        const auto row = [](const char* tag, DesktopRect desktop, QRectF primary, QPointF origin,
-                            QRectF expected) {
-            QTest::newRow(tag) << desktop << primary << origin << expected;
-        };
         const QRectF primary(0, 0, 1000, 800);
-        row("primary, window at origin", {0, 0, 100, 50}, primary, {0, 0}, {0, 750, 100, 50});
-        row("top of primary", {10, 700, 100, 100}, primary, {0, 0}, {10, 0, 100, 100});
-        row("window offset", {10, 700, 100, 100}, primary, {5, 20}, {5, -20, 100, 100});
-        row("display above primary", {0, 800, 200, 100}, primary, {0, -100}, {0, 0, 200, 100});
-        row("primary top edge not zero", {0, 0, 100, 50}, {0, 300, 1000, 800}, {0, 0},
-            {0, 1050, 100, 50});
+        QTest::newRow("window offset") << DesktopRect(10, 700, 100, 100) << primary
+                                       << QPointF(5, 20) << QRectF(5, -20, 100, 100);
+        QTest::newRow("display above primary") << DesktopRect(0, 800, 200, 100) << primary
+                                               << QPointF(0, -100) << QRectF(0, 0, 200, 100);
+        QTest::newRow("primary top edge not zero")
+            << DesktopRect(0, 0, 100, 50) << QRectF(0, 300, 1000, 800) << QPointF()
+            << QRectF(0, 1050, 100, 50);
     }
     void desktopToView() {
         QFETCH(DesktopRect, desktop);
         QFETCH(QRectF, primary);
         QFETCH(QPointF, windowOrigin);
-        QFETCH(QRectF, expected);
-        QCOMPARE(paneforge::desktopToView(desktop, primary, windowOrigin), expected);
+        QTEST(paneforge::desktopToView(desktop, primary, windowOrigin), "expected");
     }
 
     // The configuration keeps any margin as written. Laid out and drawn the way the snap controller
@@ -75,30 +70,23 @@ private Q_SLOTS:
         const QRectF display(0, 0, 1920, 1080);
         QTest::newRow("usual") << 8.0 << QRectF(8, 8, 1904, 1064) << QRectF(8, 544, 948, 528);
         QTest::newRow("-2e9") << -2e9 << display << display;
-        QTest::newRow("-1e300") << -1e300 << display << display;
         QTest::newRow("-infinity")
             << -std::numeric_limits<double>::infinity() << display << display;
         QTest::newRow("1e100") << 1e100 << QRectF() << QRectF();
-        QTest::newRow("largest double")
-            << std::numeric_limits<double>::max() << QRectF() << QRectF();
         QTest::newRow("not a number") << std::nan("") << display << QRectF(0, 540, 960, 540);
     }
     void extremeMarginsStayOnTheDisplay() {
         QFETCH(double, margin);
-        QFETCH(QRectF, wholeLayout);
-        QFETCH(QRectF, topLeftZone);
         const DesktopRect visible(0, 0, 1920, 1080);
         const QRectF view(0, 0, 1920, 1080);
-        const auto cells = GridCalculator().getCells(
-            GridDefinition(QStringLiteral("q"), QStringLiteral("Q"), {0.5}, {0.5}));
-        const CellFrames frames = CellFrameCalculator().getCellFrames(cells, visible, margin);
+        const CellFrames frames = CellFrameCalculator().getCellFrames(
+            GridCalculator().getCells(GridDefinition("q", "Q", {0.5}, {0.5})), visible, margin);
         QList<QRectF> outlines;
         std::vector<DesktopRect> all;
         for (const DesktopRect& frame : frames) {
             outlines.append(paneforge::desktopToView(frame, view, QPointF()));
             all.push_back(frame);
         }
-
         const SnapOverlayModel model(outlines, outlines, view);
         for (const QRectF& outline : model.outlines()) {
             QVERIFY(view.adjusted(-1, -1, 1, 1).contains(outline));
@@ -108,28 +96,24 @@ private Q_SLOTS:
         }
         const QRegion mask = model.mask();
         QVERIFY(mask.isEmpty() || QRect(-1, -1, 1922, 1082).contains(mask.boundingRect()));
-
         const auto toQt = [](const std::optional<DesktopRect>& r) {
             return r ? QRectF(r->x(), r->y(), r->width(), r->height()) : QRectF();
         };
-        QCOMPARE(toQt(CellFrameCalculator::snapTarget(all, visible)), wholeLayout);
-        QCOMPARE(
-            toQt(CellFrameCalculator::snapTarget({frames.value(QStringLiteral("r0-c0"))}, visible)),
-            topLeftZone);
+        QTEST(toQt(CellFrameCalculator::snapTarget(all, visible)), "wholeLayout");
+        QTEST(toQt(CellFrameCalculator::snapTarget({frames.value("r0-c0")}, visible)),
+              "topLeftZone");
     }
 
     void rendersOutlinesAndFill() {
         SnapOverlayWindow overlay(kVisible, environment(true));
         overlay.orderFront();
-        const GridDefinition grid(QStringLiteral("g"), QStringLiteral("Halves"), {0.5}, {});
-        overlay.update(grid, kCells, {kCells[1]});
+        overlay.update(GridDefinition("g", "Halves", {0.5}, {}), kCells, {kCells[1]});
         const QImage image = render(overlay.overlayView());
         // The left zone's edge pixels: white at alpha 0.22.
         const QColor edge = image.pixelColor(0, 50);
         QVERIFY2(edge.alpha() > 40 && edge.alpha() < 80, qPrintable(edge.name(QColor::HexArgb)));
         QVERIFY(edge.red() > 200 && edge.green() > 200 && edge.blue() > 200);
         QCOMPARE(image.pixelColor(99, 50).alpha(), edge.alpha());
-        QCOMPARE(image.pixelColor(50, 0).alpha(), edge.alpha());
         // Inside the unchosen zone: nothing at all.
         QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
         // Inside the chosen zone: the accent colour at half alpha.
@@ -139,39 +123,30 @@ private Q_SLOTS:
         QCOMPARE(fill.toRgb().hue() / 10, accent.toRgb().hue() / 10);
         // Nothing chosen: only the outlines.
         overlay.update(std::nullopt, kCells, {});
-        const QImage outlines = render(overlay.overlayView());
-        QVERIFY(outlines.pixelColor(100, 50).alpha() > 0);
-        QCOMPARE(outlines.pixelColor(150, 50).alpha(), 0);
+        QCOMPARE(render(overlay.overlayView()).pixelColor(150, 50).alpha(), 0);
     }
 
     void shapedWithoutCompositor() {
         SnapOverlayWindow translucent(kVisible, environment(true));
         translucent.update(std::nullopt, kCells, {kCells[1]});
-        QVERIFY(!translucent.isShaped());
         QVERIFY(translucent.overlayView().mask().isEmpty());
 
         SnapOverlayWindow shaped(kVisible, environment(false));
-        QVERIFY(shaped.isShaped());
         shaped.update(std::nullopt, kCells, {kCells[1]});
         const QRegion mask = shaped.overlayView().mask();
         QVERIFY(mask.contains(QPoint(0, 50)) && mask.contains(QPoint(99, 50)));
-        QVERIFY(!mask.contains(QPoint(50, 50)));
-        QVERIFY(mask.contains(QPoint(150, 50)));
+        QVERIFY(!mask.contains(QPoint(50, 50)) && mask.contains(QPoint(150, 50)));
         // With nothing chosen the window stays see-through inside every zone.
         shaped.update(std::nullopt, kCells, {});
         QVERIFY(!shaped.overlayView().mask().contains(QPoint(150, 50)));
     }
 
-    void coversTheVisibleFrameAndRunsTheNativeHookWhenShown() {
+    void runsTheNativeHookOnceEachTimeItIsShown() {
         int calls = 0;
         SnapOverlayEnvironment env = environment(true);
-        env.configureNativeWindow = [&calls](QWidget& widget) {
-            QVERIFY(widget.isVisible());
-            ++calls;
-        };
+        env.configureNativeWindow = [&calls](QWidget& widget) { calls += widget.isVisible(); };
         SnapOverlayWindow overlay(kVisible, env);
         QCOMPARE(overlay.overlayView().geometry(), QRect(0, 100, 200, 200));
-        QCOMPARE(calls, 0);
         overlay.orderFront();
         overlay.orderFront(); // already up: nothing to redo
         QCOMPARE(calls, 1);
