@@ -17,11 +17,9 @@ using Action = std::function<void()> StatusMenuActions::*;
 }
 Q_DECLARE_METATYPE(LoginItemStatus)
 Q_DECLARE_METATYPE(Action)
-Q_DECLARE_METATYPE(std::optional<bool>)
 
 namespace {
 
-// Every hot key set: key codes 0 to 5, with Command.
 PaneforgeConfig allHotkeys(PaneforgeConfig config = PaneforgeConfig::makeDefault()) {
     for (const HotkeySlot& slot : hotkeySlots()) {
         config = slot.write(config, HotkeyDefinition{slot.id() - 1, modifier_bits::kCommand});
@@ -70,32 +68,18 @@ const std::set<std::uint32_t> kAllIds{1, 2, 3, 4, 5, 6};
 } // namespace
 
 // What a session presses and clicks through the real agent is proved there (agent_shell,
-// agent_snapping, agent_onboarding); these are the others.
+// agent_snapping, agent_onboarding): the start, the hot keys and tray rows it uses.
 class ApplicationControllerTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void startRunsInOrderAndArmsTheTap() {
-        Application app(
-            PaneforgeConfig::makeDefault().withOpenEditorHotkey(HotkeyDefinition{14, 256}));
-        const ApplicationController& controller = app.started();
-        int at = 0;
-        for (const char* step :
-             {"statusItem.made", "HotkeyManager.register id=1", "HotkeyManager.unregister id=6",
-              "ScreenDiagnostics.snapStart", "quickStart.present", "updater.start"}) {
-            at = int(app.log.indexOf(QRegularExpression(QString(step) + ".*"), at));
-            QVERIFY2(at >= 0, qPrintable(QString::fromUtf8(step) + '\n' + app.log.join('\n')));
-        }
-        QCOMPARE(app.registeredIds(), (std::set<std::uint32_t>{1}));
-        QVERIFY(controller.isEventTapInstalled());
-        QCOMPARE(app.platform.taps.creations, 1);
-    }
-
+    // Started with the icon shown: agent_snapping, agent_shell.
     void hiddenIconAtStartComesWhenTheSettingChanges() {
         Application app(allHotkeys().withHideMenuBarIcon(true));
         const ApplicationController& controller = app.started();
         QCOMPARE(app.views.statusItemsMade, 0);
         QCOMPARE(app.registeredIds(), kAllIds);
-        QVERIFY(controller.isEventTapInstalled());
+        QCOMPARE(app.platform.taps.liveTaps, 1);
+        QVERIFY(app.log.contains("updater.start"));
         app.save(app.config().withHideMenuBarIcon(false));
         app.notifications.post(Notification::ConfigChanged);
         app.notifications.post(Notification::ConfigChanged); // the same value: still one icon
@@ -103,18 +87,12 @@ private Q_SLOTS:
         QVERIFY(controller.isStatusItemShown());
     }
 
-    void hotkeysTriggerTheirActions() {
+    void previousLayoutHotkeyCyclesBack() {
         Application app(allHotkeys());
         app.started();
         app.platform.hotkeyApi.pressed(6);
         app.scheduler.runPosted();
         QVERIFY2(app.log.last().startsWith("LayoutCycleController.cyclePrevious"),
-                 qPrintable(app.log.last()));
-        // Also over the preferences, where the user may be recording a hot key.
-        app.views.statusMenu->openPreferences();
-        app.platform.hotkeyApi.pressed(1);
-        app.scheduler.runPosted();
-        QVERIFY2(app.log.last().startsWith("ApplicationController.handleOpenEditorHotkey"),
                  qPrintable(app.log.last()));
     }
 
@@ -169,35 +147,20 @@ private Q_SLOTS:
         QCOMPARE(actual, effects);
     }
 
-    void zoneEditorSubmenuListsDisplaysConnectedLater() {
-        Application app;
-        app.started();
-        // Ids beyond 31 bits come back whole.
-        app.platform.desk.addScreen(0xFFFFFFF0u, {1440, 0, 1440, 900}, {1440, 0, 1440, 900});
-        const auto displays = app.views.statusMenu->displays();
-        QCOMPARE(displays.size(), std::size_t{2});
-        QCOMPARE(displays[1].identifier, fakes::Desk::identifierFor(0xFFFFFFF0u));
-        app.views.statusMenu->openZoneEditorForDisplay(displays[1].displayId);
-        QCOMPARE(app.views.editors.open().front()->model->visibleFrame(),
-                 DesktopRect(1440, 0, 1440, 900));
-    }
-
-    void quickStartOnceThePermissionsAreReady_data() {
-        QTest::addColumn<std::optional<bool>>("completed");
-        QTest::newRow("not completed") << std::optional<bool>(false);
-        QTest::newRow("from before the guide") << std::optional<bool>();
-    }
+    // A first start shows it: agent_onboarding.
     void quickStartOnceThePermissionsAreReady() {
-        QFETCH(std::optional<bool>, completed);
-        ConfigSnapshot snapshot = PaneforgeConfig::makeDefault().snapshot();
-        snapshot.hasCompletedQuickStart = completed;
-        Application app{PaneforgeConfig(snapshot)};
-        app.platform.windowList.trusted = false;
-        app.started();
-        QVERIFY(!app.controller->isQuickStartShown());
-        app.platform.windowList.trusted = true;
-        app.scheduler.advance(PrivacyPermissionGate::watchdogIntervalSeconds);
-        QCOMPARE(app.controller->isQuickStartShown(), completed == false);
+        ConfigSnapshot fromBeforeTheGuide = PaneforgeConfig::makeDefault().snapshot();
+        fromBeforeTheGuide.hasCompletedQuickStart.reset();
+        for (const auto& config : {PaneforgeConfig::makeDefault().withHasCompletedQuickStart(false),
+                                   PaneforgeConfig(fromBeforeTheGuide)}) {
+            Application app(config);
+            app.platform.windowList.trusted = false;
+            app.started();
+            QVERIFY(!app.controller->isQuickStartShown());
+            app.platform.windowList.trusted = true;
+            app.scheduler.advance(PrivacyPermissionGate::watchdogIntervalSeconds);
+            QCOMPARE(app.controller->isQuickStartShown(), config.hasCompletedQuickStart() == false);
+        }
     }
 
     void recordingAHotkeyPausesTheHotkeys() {
@@ -242,7 +205,6 @@ private Q_SLOTS:
         row("the system wins at start", S::NotRegistered, true, false, false, true, "register");
         row("added in the system settings", S::Enabled, false, false, true, false, "unregister");
         row("awaiting approval is registered", S::RequiresApproval, true, false, true, true, "");
-        row("not found is off", S::NotFound, true, false, false, true, "register");
         row("a refused change is not retried", S::NotRegistered, false, true, false, true,
             "register");
     }

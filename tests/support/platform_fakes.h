@@ -175,11 +175,6 @@ public:
     QString unavailableMessage() const override { return QStringLiteral("no updater here"); }
 };
 
-class Revealer final : public FileRevealer {
-public:
-    void reveal(const QString&) override {}
-};
-
 // Without privacy grants (as on X11) unless told otherwise; resets run by it are journalled.
 class Permissions final : public PermissionSource, public CommandRunner {
 public:
@@ -207,7 +202,7 @@ public:
     }
 };
 
-class Platform final : public paneforge::Platform {
+class Platform final : public paneforge::Platform, public FileRevealer {
 public:
     Desk desk;
     Windows windowList;
@@ -217,7 +212,6 @@ public:
     NativeWindowsRecord native;
     LoginItems logins;
     Updates updates;
-    Revealer revealer;
     Permissions privacy;
     LoginItemService* loginService = &logins; // a test may put the real one of a platform here
 
@@ -236,7 +230,8 @@ public:
     NativeWindows& nativeWindows() override { return native; }
     LoginItemService& loginItems() override { return *loginService; }
     UpdateService& updater() override { return updates; }
-    FileRevealer& fileRevealer() override { return revealer; }
+    FileRevealer& fileRevealer() override { return *this; }
+    void reveal(const QString&) override {}
     PermissionSource& permissions() override { return privacy; }
     void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()>) override {}
