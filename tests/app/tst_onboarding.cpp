@@ -79,14 +79,6 @@ private Q_SLOTS:
         gate.privacy.activated();
         QVERIFY(!gate.views.coach->visible);
         QCOMPARE(gate.readyCalls, 1);
-
-        // Lost later: a new missing period, with one new reset; onReady is not called again.
-        gate.windows.trusted = false;
-        gate.ticks(2);
-        QCOMPARE(gate.count(kResetAccessibility), 2);
-        gate.windows.trusted = true;
-        gate.ticks(1);
-        QCOMPARE(gate.readyCalls, 1);
     }
 
     void aTapSeenOnceIsNoStaleListenEventGrant() {
@@ -134,13 +126,11 @@ private Q_SLOTS:
     void guideGoesBackAndEndsOnItsLastPage() {
         Guide guide;
         guide.controller.show();
-        QCOMPARE(guide.window().page, QuickStartController::chrome(0));
-        guide.window().actions.back();
+        guide.window().actions.back(); // on the first page: stays there
         QCOMPARE(guide.controller.currentIndex(), 0);
         guide.window().actions.next();
         guide.window().actions.next();
-        QCOMPARE(guide.window().page, QuickStartController::chrome(2));
-        guide.window().actions.next(); // Done
+        guide.window().actions.next(); // Done, on the last page
         QVERIFY(!guide.controller.isShown());
         QCOMPARE(guide.completions, 1);
         guide.controller.show(); // again from the first page
