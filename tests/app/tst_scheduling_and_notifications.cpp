@@ -12,29 +12,6 @@ using namespace paneforge;
 
 namespace {
 
-// A scheduler and the way to let its time pass: the manual clock in steps of a millisecond, Qt's
-// event loop until the condition holds (or a generous deadline passes).
-struct Subject {
-    std::unique_ptr<Scheduler> scheduler;
-    std::function<bool(const std::function<bool()>&)> runUntil;
-};
-
-Subject subject() {
-    QFETCH(bool, manual);
-    if (!manual) {
-        return {std::make_unique<QtScheduler>(),
-                [](const std::function<bool()>& done) { return QTest::qWaitFor(done, 10000); }};
-    }
-    auto scheduler = std::make_unique<ManualScheduler>();
-    auto* clock = scheduler.get();
-    return {std::move(scheduler), [clock](const std::function<bool()>& done) {
-                for (int step = 0; step < 10000 && !done(); ++step) {
-                    clock->advance(0.001);
-                }
-                return done();
-            }};
-}
-
 enum class Change { EditedInPlace, RemovedThenWritten, OwnSave };
 
 bool write(const QString& path, const QByteArray& bytes, bool inPlace) {
@@ -49,58 +26,40 @@ bool write(const QString& path, const QByteArray& bytes, bool inPlace) {
 
 } // namespace
 
-// One contract for both schedulers: what the agent runs on is what the tests step by hand. Then
-// the notification center, and the file watcher that posts to it, against the real file system
-// on the manual clock: each change is looked at once the watcher has scheduled its look.
+// The file watcher against the real file system on the manual clock: each change is looked at once
+// the watcher has scheduled its look.
 class SchedulingAndNotificationsTest : public QObject {
     Q_OBJECT
 
     ManualScheduler scheduler_;
 
-    // Lets the watcher see what happened on disk, then runs its look.
     void settle() {
         QTRY_VERIFY(scheduler_.activeTimerCount() > 0);
         scheduler_.advance(ConfigFileWatcher::settleDelay);
     }
 
-    void schedulers() {
-        QTest::addColumn<bool>("manual");
-        QTest::newRow("ManualScheduler") << true;
-        QTest::newRow("QtScheduler") << false;
-    }
-
 private Q_SLOTS:
-    void delayedWorkRunsOnceInTimeOrderAfterPostedWork_data() { schedulers(); }
-    void delayedWorkRunsOnceInTimeOrderAfterPostedWork() {
-        auto [scheduler, runUntil] = subject();
+    // What the agent runs on; the tests' ManualScheduler stands in for it everywhere else.
+    void workRunsOnceInOrderUnlessCancelled() {
+        QtScheduler scheduler;
         QStringList ran;
-        const auto late = scheduler->postAfter(0.04, [&] { ran << "late"; });
-        scheduler->postAfter(0.01, [&] { ran << "early"; }); // handle dropped: still runs
-        scheduler->post([&] { ran << "posted"; });
-        QVERIFY(ran.isEmpty());
-        QVERIFY(runUntil([&] { return ran.size() == 3; }));
-        QCOMPARE(ran, (QStringList{"posted", "early", "late"}));
-        QVERIFY(!late->isActive());
-    }
-
-    void cancelledWorkNeverRuns_data() { schedulers(); }
-    void cancelledWorkNeverRuns() {
-        auto [scheduler, runUntil] = subject();
-        int onceRuns = 0;
         int repeats = 0;
-        scheduler->postAfter(0.01, [&] { ++onceRuns; })->cancel();
-        // A tick that came after the cancel would come before `done` too.
-        bool done = false;
-        Scheduler& later = *scheduler;
-        ScheduledWorkHandle repeating = scheduler->repeatEvery(0.01, [&] {
+        const auto late = scheduler.postAfter(0.04, [&] { ran << "late"; });
+        scheduler.postAfter(0.01, [&] { ran << "early"; }); // handle dropped: still runs
+        scheduler.postAfter(0.01, [&] { ran << "cancelled"; })->cancel();
+        scheduler.post([&] { ran << "posted"; });
+        QVERIFY(ran.isEmpty());
+        // A tick that came after the cancel would come before "done" too.
+        ScheduledWorkHandle repeating = scheduler.repeatEvery(0.01, [&] {
             if (++repeats == 3) {
                 repeating->cancel(); // work may stop itself
-                later.postAfter(0.03, [&] { done = true; });
+                scheduler.postAfter(0.03, [&] { ran << "done"; });
             }
         });
-        QVERIFY(runUntil([&] { return done; }));
-        QCOMPARE(onceRuns, 0);
+        QVERIFY(QTest::qWaitFor([&] { return ran.contains("done"); }, 10000));
+        QCOMPARE(ran, (QStringList{"posted", "early", "late", "done"}));
         QCOMPARE(repeats, 3);
+        QVERIFY(!late->isActive());
     }
 
     void notificationsReachObserversWhileTokenLives() {

@@ -22,7 +22,6 @@ bool writeFile(const QString& path, const QByteArray& bytes) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// A configuration on disk, the two controllers over it, and what they showed and posted.
 struct Flows {
     QTemporaryDir home;
     ConfigStore store{LoggerFactory::makeLogger(QStringLiteral("Test")),
