@@ -38,9 +38,8 @@ struct Switching {
 
 } // namespace
 
-// The next-layout hot key, the heads-up display leaving, the selector saving a layout first and
-// picking or closing with the keys and the backdrop, through the real agent: agent_snapping,
-// agent_shell.
+// The next-layout hot key, the heads-up display leaving, the selector saving a layout first,
+// picking and closing: agent_snapping, agent_shell.
 class LayoutSwitchingTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:

@@ -329,7 +329,6 @@ public:
     }
 };
 
-// Closing it tells the controller, once.
 class QuickStartWindow final : public QuickStartView {
 public:
     QuickStartActions actions;
@@ -360,7 +359,6 @@ public:
     bool isVisible() const override { return visible; }
 };
 
-// Keeps the last form shown.
 class PreferencesWindow final : public PreferencesView {
 public:
     explicit PreferencesWindow(PreferencesFormEvents& events)
