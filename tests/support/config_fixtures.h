@@ -2,6 +2,9 @@
 
 #include "core/config/config_store.h"
 #include "core/layouts/display_identifier.h"
+#include "core/layouts/display_layout_service.h"
+
+#include <QStringList>
 
 // Configurations of known shapes for tests and benchmarks.
 namespace fixtures {
@@ -34,6 +37,34 @@ inline paneforge::PaneforgeConfig smallConfig() {
 // 50 displays with 40 layouts each: far beyond any real desk.
 inline paneforge::PaneforgeConfig largeConfig() {
     return configWith(50, 40);
+}
+
+// The default configuration with layouts "L0", "L1"... of these names on one display, the first
+// active; none: no entry for the display.
+inline paneforge::PaneforgeConfig withLayouts(const QString& display, const QStringList& names) {
+    using namespace paneforge;
+    std::vector<GridDefinition> layouts;
+    for (int i = 0; i < names.size(); ++i) {
+        layouts.emplace_back(QStringLiteral("L%1").arg(i), names[i], std::vector<double>{0.5},
+                             std::vector<double>{});
+    }
+    DisplayLayoutsMap displays;
+    if (!layouts.empty()) {
+        displays.insert_or_assign(display, DisplayLayouts(layouts.front().id(), layouts));
+    }
+    return PaneforgeConfig::makeDefault().copying(displays);
+}
+
+// A display's layout names in order, the active one starred: "A *B".
+inline QString layoutsOf(const paneforge::PaneforgeConfig& config, const QString& display) {
+    const paneforge::DisplayLayoutService service;
+    const auto active = service.getActiveLayout(config, display);
+    QStringList names;
+    for (const auto& layout : service.listLayouts(config, display)) {
+        names << (active && active->id() == layout.id() ? QStringLiteral("*") : QString()) +
+                     layout.name();
+    }
+    return names.join(QLatin1Char(' '));
 }
 
 } // namespace fixtures

@@ -7,8 +7,7 @@
 
 namespace paneforge {
 
-// A scheduler driven by hand: time stands still until advance() moves it. Used by tests (and
-// benchmarks) to step 0.08 s or 5 s deterministically.
+// A scheduler driven by hand: time stands still until advance() moves it.
 class ManualScheduler final : public Scheduler {
 public:
     void post(Task task) override { posted_.push_back(std::move(task)); }
@@ -20,14 +19,10 @@ public:
     }
 
     double now() const { return now_; }
-
     // Runs posted tasks (and the tasks they post) until none is left.
     void runPosted();
-
     // Moves the clock forward, running posted tasks and every timer that falls due, in time order.
     void advance(double seconds);
-
-    // Number of timers that are still scheduled.
     int activeTimerCount() const;
 
 private:

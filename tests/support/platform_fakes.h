@@ -1,27 +1,129 @@
 #pragma once
 
-// A whole platform and view factory of fakes, for the application controller: the desk, windows
-// and event tap of snap_fakes.h, the hot keys of input_fakes.h, plus keyboard layout, native
-// windows, the shell's services and windows. The shell's fakes write what they are asked into one
-// journal, so that a test reads the order of everything from one list.
+// A whole platform and view factory of fakes, over the desk and windows of snap_fakes.h. The
+// shell's fakes write what they are asked into one journal, so that a test reads the order from
+// one list.
 
+#include "app/input/hotkey_manager.h"
+#include "app/ports/key_down_monitor_api.h"
+#include "app/ports/layout_switch_views.h"
 #include "app/ports/platform.h"
 #include "app/ports/view_factory.h"
-#include "input_fakes.h"
-#include "layout_switch_fakes.h"
 #include "snap_fakes.h"
 
+#include <map>
 #include <optional>
 
 namespace fakes {
 
 using namespace paneforge;
 
+// Registrations by handle; a refusal is proved against a real server (tst_x11_input).
+class Hotkeys final : public HotkeyApi {
+public:
+    std::function<void(std::uint32_t)> pressed;
+    std::map<std::uint64_t, std::uint32_t> registered; // handle -> id
+    std::uint64_t nextHandle = 100;
+    std::uint32_t lastSignature = 0;
+    bool handlerRemoved = false;
+
+    void installHandler(std::function<void(std::uint32_t)> onPressed) override {
+        pressed = std::move(onPressed);
+    }
+    void removeHandler() override { handlerRemoved = true; }
+    Registration registerHotKey(std::uint32_t, std::uint32_t, std::uint32_t signature,
+                                std::uint32_t id) override {
+        lastSignature = signature;
+        registered[nextHandle] = id;
+        return {Result::Registered, nextHandle++, {}};
+    }
+    void unregisterHotKey(std::uint64_t handle) override { registered.erase(handle); }
+};
+
+// One monitor at a time; press() plays a key press in one of Paneforge's windows.
+class KeyDownMonitor final : public KeyDownMonitorApi {
+public:
+    int installed = 0;
+    std::shared_ptr<Handler> handler;
+
+    std::unique_ptr<Monitor> addLocalMonitor(Handler h) override {
+        auto monitor = std::make_unique<Installed>(*this);
+        handler = std::make_shared<Handler>(std::move(h));
+        return monitor;
+    }
+    // Whether the press was swallowed; with no monitor it goes on to the window.
+    bool press(std::uint32_t keyCode, std::uint32_t modifiers) {
+        const auto keep = handler; // a monitor may be removed while it handles the press
+        return keep && (*keep)(KeyPress{keyCode, modifiers});
+    }
+
+private:
+    struct Installed final : Monitor {
+        explicit Installed(KeyDownMonitor& api)
+            : api(api) {
+            ++api.installed;
+        }
+        ~Installed() override {
+            --api.installed;
+            api.handler.reset();
+        }
+        KeyDownMonitor& api;
+    };
+};
+
+// The windows of layout switching as plain records of what is on screen now, with the callbacks
+// a click or a key would call. Dropping a window takes it off the record.
+class LayoutSwitchScreen final : public LayoutSwitchViews {
+public:
+    struct HUD {
+        QString name;
+        DesktopRect frame;
+        std::function<void()> dismiss;
+    };
+    struct Selector {
+        DesktopRect frame;
+        LayoutSelectorContent content;
+        std::function<void(const QString&)> select;
+        std::function<void()> dismiss;
+    };
+    std::optional<HUD> hud;
+    std::optional<Selector> selector;
+
+    std::unique_ptr<LayoutSwitchWindow> showHUD(const QString& name, const DesktopRect& frame,
+                                                std::function<void()> dismiss) override {
+        hud = HUD{name, frame, std::move(dismiss)};
+        return std::make_unique<Window>([this] { hud.reset(); });
+    }
+    std::unique_ptr<LayoutSwitchWindow> showSelector(const DesktopRect& frame,
+                                                     LayoutSelectorContent content,
+                                                     std::function<void(const QString&)> select,
+                                                     std::function<void()> dismiss) override {
+        selector = Selector{frame, std::move(content), std::move(select), std::move(dismiss)};
+        return std::make_unique<Window>([this] { selector.reset(); });
+    }
+    // What a click on a card does (the callback outlives the window it closes).
+    void pick(const QString& id) {
+        const auto select = selector->select;
+        select(id);
+    }
+
+private:
+    class Window final : public LayoutSwitchWindow {
+    public:
+        explicit Window(std::function<void()> closed)
+            : closed_(std::move(closed)) {}
+        ~Window() override { closed_(); }
+
+    private:
+        std::function<void()> closed_;
+    };
+};
+
 class NoKeyboardLayout final : public KeyboardLayoutProvider, public KeyboardKeyTranslator {
 public:
     std::shared_ptr<const KeyboardLayout> currentLayout() const override { return nullptr; }
     std::optional<QString> translate(std::uint32_t, const KeyboardLayout&) const override {
-        return std::nullopt;
+        return {};
     }
 };
 
@@ -34,6 +136,12 @@ public:
 };
 
 using Journal = std::function<void(const QString&)>;
+
+// Notes the call in the journal and gives the fake's answer.
+template <typename T> T noted(const Journal& journal, const QString& line, T answer) {
+    journal(line);
+    return answer;
+}
 
 // A login item in the state the test sets; register and unregister change it unless told to fail.
 class LoginItems final : public LoginItemService {
@@ -62,21 +170,12 @@ public:
     bool available = false;
     void start() override { journal(QStringLiteral("updater.start")); }
     bool checkForUpdates() override {
-        journal(QStringLiteral("updater.check"));
-        return available;
+        return noted(journal, QStringLiteral("updater.check"), available);
     }
     QString unavailableMessage() const override { return QStringLiteral("no updater here"); }
 };
 
-class Revealer final : public FileRevealer {
-public:
-    Journal journal;
-    void reveal(const QString& path) override { journal(QStringLiteral("reveal ") + path); }
-};
-
-// The privacy side of a platform: without privacy grants (as on X11) unless told otherwise, so
-// that no controller test runs the real reset tool. Resets given to it as the command runner are
-// journalled and succeed.
+// Without privacy grants (as on X11) unless told otherwise; resets run by it are journalled.
 class Permissions final : public PermissionSource, public CommandRunner {
 public:
     Journal journal;
@@ -85,8 +184,7 @@ public:
 
     bool hasPrivacyGrants() const override { return grants; }
     bool requestListenEventAccess() override {
-        journal(QStringLiteral("requestListenEventAccess"));
-        return false;
+        return noted(journal, QStringLiteral("requestListenEventAccess"), false);
     }
     void openSettings(const QString& url) override { journal(QStringLiteral("open ") + url); }
     NotificationCenter::ObservationToken
@@ -100,12 +198,11 @@ public:
                 PrivacyPermissionPolicy::coachButtonTitle(step)};
     }
     int run(const QString& executable, const QStringList& arguments) override {
-        journal(executable + QLatin1Char(' ') + arguments.join(QLatin1Char(' ')));
-        return 0;
+        return noted(journal, executable + QLatin1Char(' ') + arguments.join(QLatin1Char(' ')), 0);
     }
 };
 
-class Platform final : public paneforge::Platform {
+class Platform final : public paneforge::Platform, public FileRevealer {
 public:
     Desk desk;
     Windows windowList;
@@ -115,15 +212,11 @@ public:
     NativeWindowsRecord native;
     LoginItems logins;
     Updates updates;
-    Revealer revealer;
     Permissions privacy;
     LoginItemService* loginService = &logins; // a test may put the real one of a platform here
 
     void setJournal(const Journal& journal) {
-        logins.journal = journal;
-        updates.journal = journal;
-        revealer.journal = journal;
-        privacy.journal = journal;
+        logins.journal = updates.journal = privacy.journal = journal;
     }
 
     WindowService& windows() override { return windowList; }
@@ -137,7 +230,8 @@ public:
     NativeWindows& nativeWindows() override { return native; }
     LoginItemService& loginItems() override { return *loginService; }
     UpdateService& updater() override { return updates; }
-    FileRevealer& fileRevealer() override { return revealer; }
+    FileRevealer& fileRevealer() override { return *this; }
+    void reveal(const QString&) override {}
     PermissionSource& permissions() override { return privacy; }
     void becomeMenuBarAgent() override {}
     void quitOnTerminationSignals(std::function<void()>) override {}
@@ -145,39 +239,20 @@ public:
 
 class StatusItem final : public StatusItemView {
 public:
-    explicit StatusItem(Journal journal)
-        : journal_(std::move(journal)) {
-        journal_(QStringLiteral("statusItem.made"));
-    }
-    ~StatusItem() override { journal_(QStringLiteral("statusItem.removed")); }
     bool show() override { return true; }
-
-private:
-    Journal journal_;
 };
 
 class OwnWindow final : public ShellWindow {
 public:
-    OwnWindow(QString name, Journal journal)
-        : name_(std::move(name))
-        , journal_(std::move(journal)) {}
     bool visible = false;
-    void show() override {
-        journal_(name_ + QStringLiteral(".show"));
-        visible = true;
-    }
+    void show() override { visible = true; }
     bool isVisible() const override { return visible; }
-
-private:
-    QString name_;
-    Journal journal_;
 };
 
 class Alerts final : public AlertPresenter {
 public:
     Journal journal;
-    // The answer to the last question asked, for the test to give.
-    std::function<void(bool)> answer;
+    std::function<void(bool)> answer; // to the last question asked, for the test to give
     void showInformational(const QString& title, const QString& message) override {
         journal(QStringLiteral("alert %1: %2").arg(title, message));
     }
@@ -202,12 +277,10 @@ public:
     std::vector<std::shared_ptr<EditorWindowRecord>> made;
 
     std::unique_ptr<GridEditorWindow> makeGridEditorWindow(GridEditorModel& model) override {
-        auto record = std::make_shared<EditorWindowRecord>();
-        record->model = &model;
-        made.push_back(record);
-        return std::make_unique<Window>(record);
+        made.push_back(std::make_shared<EditorWindowRecord>());
+        made.back()->model = &model;
+        return std::make_unique<Window>(made.back());
     }
-    // The editors on screen.
     std::vector<EditorWindowRecord*> open() const {
         std::vector<EditorWindowRecord*> result;
         for (const auto& record : made) {
@@ -242,37 +315,29 @@ public:
     QString suggestedName;
 
     std::optional<QString> chooseBackupDestination(const QString& suggested) override {
-        journal(QStringLiteral("backup.choose"));
         suggestedName = suggested;
-        return destination;
+        return noted(journal, QStringLiteral("backup.choose"), destination);
     }
     std::optional<QString> chooseBackupToRestore() override {
-        journal(QStringLiteral("restore.choose"));
-        return source;
+        return noted(journal, QStringLiteral("restore.choose"), source);
     }
     bool confirmRestore(const SettingsBackupPreview&) override {
-        journal(QStringLiteral("restore.preview"));
-        return confirm;
+        return noted(journal, QStringLiteral("restore.preview"), confirm);
     }
     void showWarning(const QString& title, const QString& reason) override {
         journal(QStringLiteral("warning %1: %2").arg(title, reason));
     }
 };
 
-// The quick start window: its page and visibility; closing it tells the controller, once.
 class QuickStartWindow final : public QuickStartView {
 public:
-    QuickStartWindow(QuickStartActions windowActions, Journal windowJournal)
-        : actions(std::move(windowActions))
-        , journal(std::move(windowJournal)) {}
     QuickStartActions actions;
     Journal journal;
     std::optional<QuickStartChrome> page;
     bool visible = false;
     void showPage(const QuickStartChrome& chrome) override { page = chrome; }
     void present() override {
-        journal(QStringLiteral("quickStart.present"));
-        visible = true;
+        visible = noted(journal, QStringLiteral("quickStart.present"), true);
     }
     void dismiss() override {
         if (std::exchange(visible, false)) {
@@ -284,46 +349,31 @@ public:
 
 class Coach final : public PermissionCoachView {
 public:
-    Coach(std::function<void()> onButton, Journal coachJournal)
-        : button(std::move(onButton))
-        , journal(std::move(coachJournal)) {}
     std::function<void()> button;
     Journal journal;
     bool visible = false;
     void present(const PermissionCoachContent& shown) override {
-        journal(QStringLiteral("coach.present ") + shown.buttonTitle);
-        visible = true;
+        visible = noted(journal, QStringLiteral("coach.present ") + shown.buttonTitle, true);
     }
-    void dismiss() override {
-        journal(QStringLiteral("coach.dismiss"));
-        visible = false;
-    }
+    void dismiss() override { visible = noted(journal, QStringLiteral("coach.dismiss"), false); }
     bool isVisible() const override { return visible; }
 };
 
-// The preferences window: keeps the last form shown and reports what a test does in it.
 class PreferencesWindow final : public PreferencesView {
 public:
-    PreferencesWindow(PreferencesFormEvents& events, Journal journal)
-        : events(events)
-        , journal_(std::move(journal)) {}
+    explicit PreferencesWindow(PreferencesFormEvents& events)
+        : events(events) {}
     PreferencesFormEvents& events;
+    Journal journal;
     std::optional<PreferencesForm> form;
     bool visible = false;
-
     void display(const PreferencesForm& shown) override { form = shown; }
-    void present() override {
-        journal_(QStringLiteral("preferences.show"));
-        visible = true;
-    }
+    void present() override { visible = noted(journal, QStringLiteral("preferences.show"), true); }
     void close() override {
         visible = false;
         events.windowDeactivated();
     }
     bool isVisible() const override { return visible; }
-
-private:
-    Journal journal_;
 };
 
 class Views final : public ViewFactory {
@@ -334,7 +384,7 @@ public:
     Alerts alertBoxes;
     LayoutSwitchScreen layoutSwitch;
     Backups backups;
-    Journal journal;
+    Journal journal = [](const QString&) {};
     int statusItemsMade = 0;
     // The actions of the last status item made; they outlive it, as a menu's callbacks may.
     std::optional<StatusMenuActions> statusMenu;
@@ -345,14 +395,15 @@ public:
     std::unique_ptr<StatusItemView> makeStatusItem(StatusMenuActions actions) override {
         ++statusItemsMade;
         statusMenu = std::move(actions);
-        return std::make_unique<StatusItem>(journal);
+        journal(QStringLiteral("statusItem.made"));
+        return std::make_unique<StatusItem>();
     }
     std::unique_ptr<ShellWindow> makeAboutWindow() override {
-        return std::make_unique<OwnWindow>(QStringLiteral("about"), journal);
+        return std::make_unique<OwnWindow>();
     }
     std::unique_ptr<PreferencesView> makePreferencesView(PreferencesFormEvents& events) override {
-        auto window = std::make_unique<PreferencesWindow>(events, journal);
-        preferences = window.get();
+        auto window = std::make_unique<PreferencesWindow>(events);
+        (preferences = window.get())->journal = journal;
         return window;
     }
     AlertPresenter& alerts() override {
@@ -369,14 +420,18 @@ public:
     QuickStartWindow* quickStart = nullptr; // owned by the caller
     Coach* coach = nullptr;                 // owned by the caller
     std::unique_ptr<QuickStartView> makeQuickStartWindow(QuickStartActions actions) override {
-        auto window = std::make_unique<QuickStartWindow>(std::move(actions), journal);
+        auto window = std::make_unique<QuickStartWindow>();
         quickStart = window.get();
+        quickStart->actions = std::move(actions);
+        quickStart->journal = journal;
         return window;
     }
     std::unique_ptr<PermissionCoachView>
     makePermissionCoach(std::function<void()> onButton) override {
-        auto window = std::make_unique<Coach>(std::move(onButton), journal);
+        auto window = std::make_unique<Coach>();
         coach = window.get();
+        coach->button = std::move(onButton);
+        coach->journal = journal;
         return window;
     }
 };

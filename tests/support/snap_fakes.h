@@ -1,7 +1,6 @@
 #pragma once
 
-// In-memory stand-ins for the desktop the snap controller works on: screens, windows, the overlay
-// and the event tap. Shared by the controller tests and the drag benchmark.
+// The desktop the snap controller works on: screens, windows, the overlay and the event tap.
 
 #include "app/input/event_tap_manager.h"
 #include "app/ports/display_services.h"
@@ -12,6 +11,7 @@
 
 #include <QList>
 #include <QStringList>
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -27,15 +27,9 @@ public:
     DesktopPoint pointer;
 
     void addScreen(DisplayId id, const DesktopRect& frame, const DesktopRect& visibleFrame) {
-        ScreenInfo info;
-        info.name = QStringLiteral("Screen %1").arg(id);
-        info.displayId = id;
-        info.frame = frame;
-        info.visibleFrame = visibleFrame;
-        info.topLeftBounds = frame;
-        screenList.push_back(info);
+        screenList.push_back(
+            {QStringLiteral("Screen %1").arg(id), id, 1.0, frame, visibleFrame, frame});
     }
-    // The stable id the desk reports for a display number.
     static DisplayIdentifier identifierFor(DisplayId id) {
         return DisplayIdentifier(0x1000 + id, 0x2000 + id, std::int64_t{id});
     }
@@ -56,26 +50,20 @@ public:
     std::vector<QString> getDisplaySummaries() override { return {}; }
 
     std::optional<DesktopRect> getFrame(DisplayId id) override {
-        return field(id, &ScreenInfo::frame);
+        const auto* screen = find([id](const ScreenInfo& s) { return s.displayId == id; });
+        return screen ? std::optional(screen->frame) : std::nullopt;
     }
     std::optional<DesktopRect> getVisibleFrame(DisplayId id) override {
-        return field(id, &ScreenInfo::visibleFrame);
-    }
-    std::optional<DesktopRect> field(DisplayId id, DesktopRect ScreenInfo::*member) const {
-        for (const auto& screen : screenList) {
-            if (screen.displayId == id) {
-                return screen.*member;
-            }
-        }
-        return std::nullopt;
+        const auto* screen = find([id](const ScreenInfo& s) { return s.displayId == id; });
+        return screen ? std::optional(screen->visibleFrame) : std::nullopt;
     }
     std::optional<DisplayId> getDisplayId(DesktopPoint point) override {
-        for (const auto& screen : screenList) {
-            if (screen.frame.contains(point)) {
-                return screen.displayId;
-            }
-        }
-        return std::nullopt;
+        const auto* screen = find([point](const ScreenInfo& s) { return s.frame.contains(point); });
+        return screen ? screen->displayId : std::nullopt;
+    }
+    const ScreenInfo* find(const std::function<bool(const ScreenInfo&)>& which) const {
+        const auto it = std::find_if(screenList.begin(), screenList.end(), which);
+        return it == screenList.end() ? nullptr : &*it;
     }
     DesktopPoint pointerLocation() override { return pointer; }
     double primaryMaxY() override {
@@ -92,8 +80,7 @@ struct Window final : WindowElement {
     bool standard = true;
 };
 
-// Windows stacked front to back, the first focused unless `focus` is off; setFrame moves them at
-// once and is recorded.
+// Windows stacked front to back, the first focused unless `focus` is off; setFrame is recorded.
 class Windows final : public WindowService {
 public:
     bool focus = true;
@@ -104,10 +91,15 @@ public:
     std::vector<std::shared_ptr<Window>> stack;
     std::vector<SetFrameCall> setFrameCalls;
 
+    QList<DesktopRect> frames() const {
+        QList<DesktopRect> frames;
+        for (const auto& call : setFrameCalls) {
+            frames << call.frame;
+        }
+        return frames;
+    }
     std::shared_ptr<Window> add(int id, const DesktopRect& frame) {
-        auto window = std::make_shared<Window>(id, frame);
-        stack.push_back(window);
-        return window;
+        return stack.emplace_back(std::make_shared<Window>(id, frame));
     }
 
     bool trusted = true;
@@ -145,12 +137,11 @@ private:
     static const Window& as(const WindowRef& window) { return static_cast<const Window&>(*window); }
 };
 
-// What one overlay window went through; outlives the window so closed ones can be inspected.
+// What one overlay window went through; outlives the window.
 struct OverlayRecord {
     DesktopRect frame;
     bool visible = false;
     bool closed = false;
-    int updates = 0;
     QList<DesktopRect> cellFrames;
     QList<DesktopRect> selectionFrames;
 };
@@ -160,10 +151,9 @@ public:
     std::vector<std::shared_ptr<OverlayRecord>> built;
 
     std::unique_ptr<SnapOverlay> makeOverlay(const DesktopRect& visibleFrame) override {
-        auto record = std::make_shared<OverlayRecord>();
-        record->frame = visibleFrame;
-        built.push_back(record);
-        return std::make_unique<Overlay>(record);
+        built.push_back(std::make_shared<OverlayRecord>());
+        built.back()->frame = visibleFrame;
+        return std::make_unique<Overlay>(built.back());
     }
     const OverlayRecord& last() const { return *built.back(); }
 
@@ -181,7 +171,6 @@ private:
         void orderOut() override { record_->visible = false; }
         void update(const std::optional<GridDefinition>&, const QList<DesktopRect>& cellFrames,
                     const QList<DesktopRect>& selectionFrames) override {
-            ++record_->updates;
             record_->cellFrames = cellFrames;
             record_->selectionFrames = selectionFrames;
         }
@@ -191,8 +180,8 @@ private:
     };
 };
 
-// An event tap that keeps the handler it was given and installs unless `granted` is off;
-// `liveTaps` counts the taps not yet dropped.
+// Keeps the handler it was given and installs unless `granted` is off; `liveTaps` counts the
+// taps not yet dropped.
 class EventTaps final : public EventTapApi {
 public:
     bool granted = true;
