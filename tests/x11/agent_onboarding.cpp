@@ -37,8 +37,7 @@ private Q_SLOTS:
         QVERIFY(waitForKeyboard(guide_));
         QVERIFY(keys("Tab space"));
         QVERIFY(waitUntilClosed(guide_));
-        QVERIFY(
-            X11TestSession::waitUntil([&] { return config().hasCompletedQuickStart() == true; }));
+        QVERIFY(completed());
         QVERIFY(quit());
     }
 
@@ -55,12 +54,14 @@ private Q_SLOTS:
         QVERIFY(waitForKeyboard(guide_));
         QVERIFY(keys("Escape"));
         QVERIFY(waitUntilClosed(guide_));
-        QVERIFY(
-            X11TestSession::waitUntil([&] { return config().hasCompletedQuickStart() == true; }));
+        QVERIFY(completed());
         QVERIFY(quit());
     }
 
 private:
+    bool completed() {
+        return X11TestSession::waitUntil([&] { return config().hasCompletedQuickStart() == true; });
+    }
     const QString guide_ = QStringLiteral("^Quick Start$");
     const QString editor_ = QStringLiteral("^Paneforge Zone Editor$");
 };
