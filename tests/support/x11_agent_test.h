@@ -30,17 +30,11 @@ protected:
             return paneforge::PaneforgeConfig::makeDefault();
         }
     }
-    // The agent's $XDG_CONFIG_HOME: the folder a ConfigStore for its configuration is given.
     QString configHome() const { return home_.filePath(QStringLiteral("config")); }
-    // The folder its autostart entries would go to.
-    QString autostartDirectory() const {
-        return home_.filePath(QStringLiteral("config/autostart"));
-    }
     // Writes `initial` (when given), starts the agent with a configuration and log folder of its
-    // own ($XDG_CONFIG_HOME/Paneforge, $XDG_STATE_HOME/Paneforge), so that no test touches the
-    // user's, and waits until it says it is ready; `output` gets what it printed.
-    bool startAgent(const std::optional<paneforge::PaneforgeConfig>& initial,
-                    QString* output = nullptr) {
+    // own, so that no test touches the user's, and waits until it says it is ready; `printed_`
+    // gets what it printed.
+    bool startAgent(const std::optional<paneforge::PaneforgeConfig>& initial) {
         if (initial) {
             store().saveConfig(*initial);
         }
@@ -48,20 +42,14 @@ protected:
         env.insert("XDG_CONFIG_HOME", configHome());
         env.insert("XDG_STATE_HOME", home_.filePath(QStringLiteral("state")));
         agent_ = session_.startProcess(QStringLiteral(PANEFORGE_AGENT), {}, env);
-        QString printed;
-        QString& out = output ? *output : printed;
-        const bool ready = agent_->waitForStarted(5000) &&
-                           X11TestSession::waitUntil(
-                               [&] {
-                                   agent_->waitForReadyRead(50);
-                                   out += QString::fromUtf8(agent_->readAllStandardError());
-                                   return out.contains("ready in");
-                               },
-                               std::chrono::seconds(20));
-        if (!ready) {
-            qWarning("%s", qPrintable(out));
-        }
-        return ready;
+        printed_.clear();
+        const auto ready = [&] {
+            agent_->waitForReadyRead(50);
+            printed_ += QString::fromUtf8(agent_->readAllStandardError());
+            return printed_.contains("ready in");
+        };
+        return X11TestSession::waitUntil(ready, std::chrono::seconds(20)) ||
+               (qWarning("%s", qPrintable(printed_)), false);
     }
     QString logText() const {
         QFile file(home_.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
@@ -74,17 +62,16 @@ protected:
     }
     // Asks the agent to quit (SIGTERM) and whether it ended cleanly, its log flushed.
     bool quit() {
-        if (!agent_ || agent_->state() != QProcess::Running) {
-            return false;
+        if (agent_) {
+            agent_->terminate();
         }
-        agent_->terminate();
-        return agent_->waitForFinished(10000) && agent_->exitStatus() == QProcess::NormalExit &&
-               agent_->exitCode() == 0 && logText().contains(QStringLiteral("Paneforge quitting"));
+        return agent_ && agent_->waitForFinished(10000) &&
+               agent_->exitStatus() == QProcess::NormalExit && agent_->exitCode() == 0 &&
+               logText().contains(QStringLiteral("Paneforge quitting"));
     }
     bool waitForDisplays(std::size_t count) {
-        return connection_.isValid() && X11TestSession::waitUntil([&] {
-                   return displays_.getActiveDisplays().size() == count;
-               });
+        return X11TestSession::waitUntil(
+            [&] { return displays_.getActiveDisplays().size() == count; });
     }
     QString displayIdAt(paneforge::DesktopPoint point) {
         const auto display = displays_.getDisplayId(point);
@@ -108,18 +95,13 @@ protected:
     QStringList agentWindows(const QString& name = {}) {
         return session_.visibleWindows(QStringLiteral("paneforge"), name);
     }
-    std::uint32_t activeWindow() const { return session_.activeWindow(); }
     // Waits until one window is titled `name` and it has the keyboard.
     bool waitForKeyboard(const QString& name, QString* id = nullptr) {
         QStringList found;
         const bool shown = X11TestSession::waitUntil([&] {
             found = agentWindows(name);
-            return found.size() == 1 && found.front().toUInt() == activeWindow();
+            return found.size() == 1 && found.front().toUInt() == session_.activeWindow();
         });
-        if (!shown) {
-            qWarning("active window %u, %s: %s", activeWindow(), qPrintable(name),
-                     qPrintable(found.join(QLatin1Char(' '))));
-        }
         if (id) {
             *id = found.value(0);
         }
@@ -161,15 +143,16 @@ protected:
     std::optional<paneforge::DesktopRect> frame(std::uint32_t window) {
         return windows_.frame(paneforge::X11WindowService::wrap(window));
     }
-    // Starts an xterm on the left of the first monitor and waits until its frame can be read.
-    bool startXterm() {
+    // Starts a client and waits until its frame can be read; its window, or 0.
+    std::uint32_t startClient(const QString& program, const QStringList& arguments) {
         QString error;
-        const auto xterm = session_.startClient("xterm", {"-geometry", "60x20+100+150"}, &error);
-        xterm_ = xterm.value_or(0);
-        if (!xterm) {
+        const auto window = session_.startClient(program, arguments, &error);
+        if (!window) {
             qWarning("%s", qPrintable(error));
         }
-        return xterm && X11TestSession::waitUntil([&] { return frame(xterm_).has_value(); });
+        return window && X11TestSession::waitUntil([&] { return frame(*window).has_value(); })
+                   ? *window
+                   : 0;
     }
     // Waits until the xterm is on another display than the one it was on at `start`.
     bool xtermLeaves(const paneforge::DesktopRect& start) {
@@ -184,6 +167,7 @@ protected:
     X11TestSession& session_;
     QTemporaryDir home_;
     QProcess* agent_ = nullptr;
+    QString printed_;
     paneforge::X11Connection connection_;
     paneforge::X11DisplayServices displays_{connection_};
     paneforge::ManualScheduler scheduler_;

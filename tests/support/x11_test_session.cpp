@@ -7,20 +7,15 @@
 #include <sys/prctl.h>
 #include <xcb/xcb.h>
 
-X11TestSession::X11TestSession(Options options)
-    : options_(options) {}
-
 X11TestSession::~X11TestSession() {
     connection_.reset();
-    // Stop in reverse order: clients and the window manager before the server.
+    // Clients and the window manager before the server.
     for (auto it = processes_.rbegin(); it != processes_.rend(); ++it) {
         QProcess& process = **it;
-        if (process.state() != QProcess::NotRunning) {
-            process.terminate();
-            if (!process.waitForFinished(3000)) {
-                process.kill();
-                process.waitForFinished(3000);
-            }
+        process.terminate();
+        if (!process.waitForFinished(3000)) {
+            process.kill();
+            process.waitForFinished(3000);
         }
     }
 }
@@ -35,7 +30,7 @@ QProcessEnvironment X11TestSession::environment() const {
 QProcess* X11TestSession::launch(const QString& program, const QStringList& arguments,
                                  const QProcessEnvironment& extra, bool forwardErrors,
                                  bool keepOutput) {
-    auto process = std::make_unique<QProcess>();
+    auto& process = processes_.emplace_back(std::make_unique<QProcess>());
     QProcessEnvironment env = environment();
     env.insert(extra);
     process->setProcessEnvironment(env);
@@ -49,9 +44,7 @@ QProcess* X11TestSession::launch(const QString& program, const QStringList& argu
     // its destructors (a crash, a sanitizer report): they would hold the test's output open.
     process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     process->start(program, arguments);
-    QProcess* raw = process.get();
-    processes_.push_back(std::move(process));
-    return raw;
+    return process.get();
 }
 
 bool X11TestSession::waitUntil(const std::function<bool()>& condition,
@@ -73,11 +66,10 @@ bool X11TestSession::start(QString* error) {
                                QStringLiteral("%1x%2x24").arg(options_.width).arg(options_.height),
                                "-nolisten", "tcp", "-noreset"},
                               {}, true, true);
-    const bool named = server->waitForStarted(5000) && waitUntil([&] {
-                           server->waitForReadyRead(50);
-                           return server->canReadLine();
-                       });
-    if (named) {
+    if (server->waitForStarted(5000) && waitUntil([&] {
+            server->waitForReadyRead(50);
+            return server->canReadLine();
+        })) {
         display_ = QStringLiteral(":") + QString::fromLatin1(server->readLine().trimmed());
         qputenv("DISPLAY", display_.toLatin1());
         connection_ = std::make_unique<paneforge::X11Connection>();
@@ -86,15 +78,14 @@ bool X11TestSession::start(QString* error) {
         *error = QStringLiteral("Xvfb did not start: %1").arg(server->errorString());
         return false;
     }
-    if (options_.twoMonitors) {
-        const int half = options_.width / 2;
-        const QString size = QStringLiteral("%1/254x%2/286").arg(half).arg(options_.height);
-        if (!run("xrandr", {"--setmonitor", "LEFT", size + "+0+0", "screen"}) ||
-            !run("xrandr",
-                 {"--setmonitor", "RIGHT", size + QStringLiteral("+%1+0").arg(half), "none"})) {
-            *error = "xrandr could not split the screen into two monitors";
-            return false;
-        }
+    const int half = options_.width / 2;
+    const QString size = QStringLiteral("%1/254x%2/286").arg(half).arg(options_.height);
+    if (options_.twoMonitors &&
+        (!run("xrandr", {"--setmonitor", "LEFT", size + "+0+0", "screen"}) ||
+         !run("xrandr",
+              {"--setmonitor", "RIGHT", size + QStringLiteral("+%1+0").arg(half), "none"}))) {
+        *error = "xrandr could not split the screen into two monitors";
+        return false;
     }
     // Each helper is ready once it owns its selection; openbox announces itself before it
     // manages windows, so for it the work area it publishes after that counts.
@@ -104,7 +95,7 @@ bool X11TestSession::start(QString* error) {
         QStringList arguments;
         const char* selection;
     } helpers[] = {
-        {options_.windowManager, "openbox", {"--sm-disable"}, nullptr},
+        {true, "openbox", {"--sm-disable"}, nullptr},
         {options_.compositor, "xcompmgr", {}, "_NET_WM_CM_S0"},
         {options_.trayHost,
          "trayer",
@@ -135,22 +126,6 @@ bool X11TestSession::selectionOwned(const char* selection) const {
     return owned;
 }
 
-QProcess* X11TestSession::startProcess(const QString& program, const QStringList& arguments,
-                                       const QProcessEnvironment& extra) {
-    return launch(program, arguments, extra, false);
-}
-
-std::uint32_t X11TestSession::activeWindow() const {
-    const auto active = rootCardinals("_NET_ACTIVE_WINDOW");
-    return active.empty() ? 0 : active.front();
-}
-
-bool X11TestSession::activate(std::uint32_t window) {
-    return run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
-                                           QStringLiteral("--sync"), QString::number(window)}) &&
-           waitUntil([&] { return activeWindow() == window; });
-}
-
 QStringList X11TestSession::visibleWindows(const QString& className, const QString& name) {
     QString output;
     run("xdotool",
@@ -160,20 +135,12 @@ QStringList X11TestSession::visibleWindows(const QString& className, const QStri
     return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-std::vector<std::uint32_t> X11TestSession::rootCardinals(const char* property) const {
-    return connection_->cardinals(connection_->root(), property, XCB_ATOM_ANY);
-}
-
 QPoint X11TestSession::pointer() {
     QString output;
     run("xdotool", {"getmouselocation"}, &output);
     // "x:123 y:456 screen:0 window:789"
     const QStringList parts = output.split(QLatin1Char(' '));
     return QPoint(parts.value(0).mid(2).toInt(), parts.value(1).mid(2).toInt());
-}
-
-std::vector<std::uint32_t> X11TestSession::clientList() const {
-    return rootCardinals("_NET_CLIENT_LIST");
 }
 
 std::optional<std::uint32_t>

@@ -4,7 +4,6 @@
 
 #include <QPoint>
 #include <QProcess>
-#include <QString>
 #include <QStringList>
 #include <QTest>
 #include <chrono>
@@ -23,55 +22,61 @@ public:
         int width = 1920;
         int height = 1080;
         bool twoMonitors = false; // LEFT and RIGHT halves, side by side
-        bool windowManager = true;
-        bool compositor = false; // xcompmgr, owner of _NET_WM_CM_S0
-        bool trayHost = false;   // trayer, owner of _NET_SYSTEM_TRAY_S0
+        bool compositor = false;  // xcompmgr
+        bool trayHost = false;    // trayer
     };
 
-    explicit X11TestSession(Options options);
+    explicit X11TestSession(Options options)
+        : options_(options) {}
     ~X11TestSession();
 
-    // Starts the server (and the window manager). On failure `error` says why.
+    // Starts the server and the window manager. On failure `error` says why.
     bool start(QString* error);
     QString display() const { return display_; }
     // The process id of the X server (for figures of the CPU it uses); 0 before it starts.
     qint64 serverProcessId() const {
         return processes_.empty() ? 0 : processes_.front()->processId();
     }
-    QProcessEnvironment environment() const;
 
     // Starts a client and waits until the window manager lists a new client window; returns it.
     std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
                                              QString* error);
-    // Starts a long-running program in the session (with extra environment entries); it is
-    // stopped with the session. Its standard error is kept for the caller to read.
+    // Starts a program (with extra environment entries) that runs until the session ends; its
+    // standard error is kept for the caller to read.
     QProcess* startProcess(const QString& program, const QStringList& arguments,
-                           const QProcessEnvironment& extra = {});
-    // Whether some client owns the named selection, e.g. "_NET_WM_CM_S0".
-    bool selectionOwned(const char* selection) const;
-    // Runs a short command (xdotool, xrandr, ...) to its end; true when it exits with status 0.
+                           const QProcessEnvironment& extra = {}) {
+        return launch(program, arguments, extra, false);
+    }
+    // Runs a short command to its end; true when it exits with status 0.
     bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
 
-    // Where the pointer is, in root coordinates.
     QPoint pointer();
-    std::vector<std::uint32_t> clientList() const;
-    std::vector<std::uint32_t> rootCardinals(const char* property) const;
+    std::vector<std::uint32_t> clientList() const { return rootCardinals("_NET_CLIENT_LIST"); }
+    std::vector<std::uint32_t> rootCardinals(const char* property) const {
+        return connection_->cardinals(connection_->root(), property, XCB_ATOM_ANY);
+    }
     // The window manager's active window, or 0.
-    std::uint32_t activeWindow() const;
+    std::uint32_t activeWindow() const {
+        const auto active = rootCardinals("_NET_ACTIVE_WINDOW");
+        return active.empty() ? 0 : active.front();
+    }
     // Asks the window manager to activate `window` and waits until it is the active one.
-    bool activate(std::uint32_t window);
-    // The mapped windows xdotool finds by class name, or by title when `name` is given (a
-    // regular expression).
+    bool activate(std::uint32_t window) {
+        return run("xdotool", {"windowactivate", "--sync", QString::number(window)}) &&
+               waitUntil([&] { return activeWindow() == window; });
+    }
+    // The mapped windows of a class, or titled `name` (a regular expression) when it is given.
     QStringList visibleWindows(const QString& className, const QString& name = {});
 
-    // Polls `condition` until it holds or `timeout` passes.
     static bool waitUntil(const std::function<bool()>& condition,
                           std::chrono::milliseconds timeout = std::chrono::seconds(10));
 
 private:
+    QProcessEnvironment environment() const;
     QProcess* launch(const QString& program, const QStringList& arguments,
                      const QProcessEnvironment& extra = {}, bool forwardErrors = true,
                      bool keepOutput = false);
+    bool selectionOwned(const char* selection) const;
 
     Options options_;
     QString display_;

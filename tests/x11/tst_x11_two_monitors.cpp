@@ -1,10 +1,6 @@
-#include "manual_scheduler.h"
 #include "platform/x11/x11_display_services.h"
-#include "platform/x11/x11_window_service.h"
 #include "x11_test_session.h"
 
-#include <QGuiApplication>
-#include <QScreen>
 #include <QTest>
 #include <xcb/randr.h>
 
@@ -21,29 +17,21 @@ public:
 
 private Q_SLOTS:
     void initTestCase() {
-        QVERIFY(connection_.isValid());
-        QVERIFY(X11TestSession::waitUntil([] { return QGuiApplication::screens().size() == 2; }));
-        const auto ids = displays_.getActiveDisplays();
-        QCOMPARE(ids.size(), size_t(2));
+        QCOMPARE(displays_.getActiveDisplays().size(), size_t(2));
         left_ = *displays_.getDisplayId({10, 10});
         right_ = *displays_.getDisplayId({970, 10});
         QVERIFY(left_ != right_);
     }
 
-    void identitiesAndTitles() {
-        QVERIFY(displays_.getIdentifier(left_) != displays_.getIdentifier(right_));
-        const QString stableId = displays_.getIdentifier(right_).stableId();
+    void titleNamesTheMonitor() {
         QCOMPARE(displays_.getDisplayTitle(right_),
-                 QStringLiteral("RIGHT [External] (%1) @ 960x1080 @ 960,0").arg(stableId));
-        QCOMPARE(*displays_.getFrame(right_), DesktopRect(960, 0, 960, 1080));
-        const auto summaries = displays_.getDisplaySummaries();
-        QCOMPARE(summaries.size(), size_t(2));
-        QVERIFY(summaries[0].startsWith("v0-p") && summaries[0].endsWith("-sno-serial @ 960x1080"));
+                 QStringLiteral("RIGHT [External] (%1) @ 960x1080 @ 960,0")
+                     .arg(displays_.getIdentifier(right_).stableId()));
     }
 
     void aDockStrutShrinksOnlyTheMonitorItTouches() {
-        const DesktopRect rightBefore = *displays_.getVisibleFrame(right_);
-        QCOMPARE(rightBefore, DesktopRect(960, 0, 960, 1080));
+        const DesktopRect rightBefore(960, 0, 960, 1080);
+        QCOMPARE(*displays_.getVisibleFrame(right_), rightBefore);
         // trayer places itself on the first monitor: a 30-pixel panel along the left one's top.
         QString error;
         const auto panel =
@@ -53,7 +41,6 @@ private Q_SLOTS:
                                   "--SetDockType", "true", "--SetPartialStrut", "true"},
                                  &error);
         QVERIFY2(panel, qPrintable(error));
-        QVERIFY(!windows_.isStandardWindow(X11WindowService::wrap(*panel)));
         QVERIFY(X11TestSession::waitUntil(
             [&] { return displays_.getVisibleFrame(left_)->height() == 1050; }));
         QCOMPARE(*displays_.getVisibleFrame(left_), DesktopRect(0, 0, 960, 1050));
@@ -64,7 +51,6 @@ private Q_SLOTS:
     }
 
     void anotherMonitorOnTheOutputIsSeen() {
-        QVERIFY(!displays_.getIdentifier(left_).serialNumber()); // Xvfb's output has no EDID
         // A monitor with an EDID (serial 57920) on the left monitor's output, as RandR reports it.
         xcb_connection_t* c = connection_.raw();
         auto* resources = xcb_randr_get_screen_resources_current_reply(
@@ -72,10 +58,11 @@ private Q_SLOTS:
         QVERIFY(resources);
         const auto output = xcb_randr_get_screen_resources_current_outputs(resources)[0];
         std::free(resources);
-        const QByteArray edid =
-            QByteArray::fromHex("00ffffffffffff0010ac344140e2").leftJustified(128, '\0');
         xcb_randr_change_output_property(c, output, connection_.atom("EDID"), XCB_ATOM_INTEGER, 8,
-                                         XCB_PROP_MODE_REPLACE, 128, edid.constData());
+                                         XCB_PROP_MODE_REPLACE, 128,
+                                         QByteArray::fromHex("00ffffffffffff0010ac344140e2")
+                                             .leftJustified(128, '\0')
+                                             .constData());
         connection_.flush();
         QVERIFY(X11TestSession::waitUntil([&] {
             return displays_.getIdentifier(left_) == DisplayIdentifier(0x10AC, 0x4134, 57920);
@@ -85,8 +72,6 @@ private Q_SLOTS:
 private:
     X11TestSession& session_;
     X11Connection connection_;
-    ManualScheduler scheduler_;
-    X11WindowService windows_{connection_, scheduler_, nullptr};
     X11DisplayServices displays_{connection_};
     DisplayId left_ = 0;
     DisplayId right_ = 0;
