@@ -136,12 +136,13 @@ private Q_SLOTS:
         QCOMPARE(result.out, "OK\n");
     }
 
-    // A backup holds the whole configuration; restoring it asks first (--yes, which does not ask,
-    // is played end to end by agent_shell's restoredBackupReachesTheRunningAgent).
+    // A backup holds the whole configuration; restoring it asks first, unless told --yes (an
+    // empty answer: there is no one to ask).
     void exportCheckAndRestore_data() {
         QTest::addColumn<QString>("answer");
         QTest::newRow("yes") << "y";
         QTest::newRow("no") << "n";
+        QTest::newRow("--yes") << "";
     }
     void exportCheckAndRestore() {
         QFETCH(QString, answer);
@@ -157,10 +158,12 @@ private Q_SLOTS:
 
         home.store.saveConfig(PaneforgeConfig::makeDefault().withCellMarginPoints(20));
         const QByteArray changedBytes = home.config();
-        const Result restore = home.run({"backup", "restore", file}, answer);
-        QCOMPARE(restore.code, answer == "y" ? 0 : 1);
+        const bool yes = answer != "n";
+        const Result restore = answer.isEmpty() ? home.run({"backup", "restore", file, "--yes"})
+                                                : home.run({"backup", "restore", file}, answer);
+        QCOMPARE(restore.code, yes ? 0 : 1);
         QVERIFY(restore.out.contains("Default: Default"));
-        QCOMPARE(home.config(), answer == "y" ? savedBytes : changedBytes);
+        QCOMPARE(home.config(), yes ? savedBytes : changedBytes);
     }
 };
 

@@ -78,8 +78,10 @@ LayoutSelectorContent content(int count, int active) {
 struct Selector {
     Selector(int count, int active)
         : view(
-              content(count, active), [this](const QString& id) { picked = id; }, [] {}) {}
+              content(count, active), [this](const QString& id) { picked = id; },
+              [this] { dismissed = true; }) {}
     QString picked;
+    bool dismissed = false;
     LayoutSelectorView view;
 };
 
@@ -209,6 +211,7 @@ private Q_SLOTS:
         QTest::newRow("shift-tab") << 2 << int(Qt::Key_Backtab) << 1 << "";
         QTest::newRow("keypad enter") << 2 << int(Qt::Key_Enter) << 2 << "L2";
         QTest::newRow("other keys") << 2 << int(Qt::Key_A) << 2 << "";
+        QTest::newRow("escape closes it") << 2 << int(Qt::Key_Escape) << 2 << "";
     }
     void keysMoveTheFocusAndPick() {
         QFETCH(int, active);
@@ -217,6 +220,7 @@ private Q_SLOTS:
         QTest::keyClick(&selector.view, Qt::Key(key));
         QTEST(selector.view.model().focusedIndex(), "focus");
         QTEST(selector.picked, "picked");
+        QCOMPARE(selector.dismissed, key == Qt::Key_Escape);
     }
 
     void aClickPicksTheCard() {

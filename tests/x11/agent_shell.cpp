@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t kControlOption = modifier_bits::kControl | modifier_bits::kOption;
 
 // From the margin slider, where the preferences open, Tab reaches the eight snap boxes and then
-// the hot key rows' record and clear buttons (tst_preferences_window checks this order).
+// the hot key rows' record and clear buttons; the tests below prove this order by using it.
 constexpr int kTabsToRecordMoveHotkey = 8 + 3 * 2 + 1;
 // Backwards from the slider: Close, "Restore window size on unsnap", "Hide tray icon".
 constexpr int kBackTabsToHideIcon = 3;
