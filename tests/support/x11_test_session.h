@@ -4,14 +4,11 @@
 
 #include <QPoint>
 #include <QProcess>
-#include <QStringList>
 #include <QTest>
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
 // A private X server for end-to-end tests: Xvfb on a free display, optionally split into two
 // monitors, with openbox managing real client windows. Every process is started and stopped by
@@ -30,10 +27,8 @@ public:
         : options_(options) {}
     ~X11TestSession();
 
-    // Starts the server and the window manager. On failure `error` says why.
-    bool start(QString* error);
+    bool start(QString* error); // the server and the window manager; `error` says why not
     QString display() const { return display_; }
-    // The process id of the X server (for figures of the CPU it uses); 0 before it starts.
     qint64 serverProcessId() const {
         return processes_.empty() ? 0 : processes_.front()->processId();
     }
@@ -41,8 +36,7 @@ public:
     // Starts a client and waits until the window manager lists a new client window; returns it.
     std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
                                              QString* error);
-    // Starts a program (with extra environment entries) that runs until the session ends; its
-    // standard error is kept for the caller to read.
+    // A program that runs until the session ends; its standard error is kept for the caller.
     QProcess* startProcess(const QString& program, const QStringList& arguments,
                            const QProcessEnvironment& extra = {}) {
         return launch(program, arguments, extra, false);
@@ -55,12 +49,10 @@ public:
     std::vector<std::uint32_t> rootCardinals(const char* property) const {
         return connection_->cardinals(connection_->root(), property, XCB_ATOM_ANY);
     }
-    // The window manager's active window, or 0.
     std::uint32_t activeWindow() const {
         const auto active = rootCardinals("_NET_ACTIVE_WINDOW");
         return active.empty() ? 0 : active.front();
     }
-    // Asks the window manager to activate `window` and waits until it is the active one.
     bool activate(std::uint32_t window) {
         return run("xdotool", {"windowactivate", "--sync", QString::number(window)}) &&
                waitUntil([&] { return activeWindow() == window; });
