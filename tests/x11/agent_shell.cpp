@@ -59,9 +59,11 @@ private Q_SLOTS:
     }
 
     void moveHotkeyMovesTheFocusedWindowAndBack() {
-        for (int round = 0; round < 2; ++round) {
+        // Back with Num Lock and Caps Lock on: they do not disable a hot key.
+        for (const QString press :
+             {"ctrl+alt+m", "Num_Lock Caps_Lock ctrl+alt+m Num_Lock Caps_Lock"}) {
             const auto start = focusXterm();
-            QVERIFY(start && keys("ctrl+alt+m"));
+            QVERIFY(start && keys(press));
             QVERIFY2(xtermLeaves(*start), qPrintable(logText()));
         }
     }
@@ -70,7 +72,8 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString backup = folder.filePath("backup.json");
         const QByteArray original = configBytes();
-        QCOMPARE(paneforge({"backup", "export", backup}), 0);
+        QVERIFY(session_.run("env", {"XDG_CONFIG_HOME=" + configHome(), PANEFORGE_AGENT, "backup",
+                                     "export", backup}));
         // Another program changes the move hot key to Ctrl+Alt+N: the agent follows the file.
         QVERIFY(waitForRegistration(45, [&] {
             store().saveConfig(store().loadConfig().withMoveToNextDisplayHotkey(
@@ -179,17 +182,6 @@ private Q_SLOTS:
     void cleanupTestCase() { QVERIFY(quit()); }
 
 private:
-    // The command line with the agent's configuration folder; its exit code, or -1.
-    int paneforge(const QStringList& arguments) {
-        QProcess cli;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_CONFIG_HOME", configHome());
-        cli.setProcessEnvironment(env);
-        cli.start(QStringLiteral(PANEFORGE_AGENT), arguments);
-        return cli.waitForFinished(10000) && cli.exitStatus() == QProcess::NormalExit
-                   ? cli.exitCode()
-                   : -1;
-    }
     QByteArray configBytes() {
         QFile file(store().getConfigPath());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();

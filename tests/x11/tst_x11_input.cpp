@@ -73,7 +73,7 @@ private Q_SLOTS:
         // client before it delivers the next key, so the press already counts as Control.
         QVERIFY(session_.run("xmodmap",
                              {"-e", "remove mod4 = Super_L", "-e", "add control = Super_L"}));
-        QVERIFY(press("Super_L"));
+        QVERIFY(xdotool({"key", "Super_L"}));
         QTRY_COMPARE_WITH_TIMEOUT(sequence(tap.events),
                                   QStringList({"flags(0x40000)", "flags(0x0)"}), 10000);
         QVERIFY(session_.run("xmodmap",
@@ -134,18 +134,6 @@ private Q_SLOTS:
         QCOMPARE(seen, masks);
     }
 
-    void hotKeyWorksWithLockKeysAndFreesItsCombination() {
-        Hotkeys hotkeys(display_);
-        int editor = 0;
-        hotkeys.manager.registerHotkey(1, {mac_key_codes::kE, kCommandShift}, [&] { ++editor; });
-        QVERIFY(isHeldByAnotherClient(mac_key_codes::kE, kSuperShift));
-        // Num Lock and Caps Lock held do not disable a hot key.
-        QVERIFY(press("Num_Lock Caps_Lock super+shift+e Num_Lock Caps_Lock"));
-        QTRY_COMPARE_WITH_TIMEOUT(editor, 1, 10000);
-        hotkeys.manager.unregister(1);
-        QVERIFY(!isHeldByAnotherClient(mac_key_codes::kE, kSuperShift));
-    }
-
     void combinationOfAnotherClientIsRefused() {
         // Another program holds Super+Y with Caps Lock only: the plain variant succeeds first,
         // the refusal of a later one must release it again.
@@ -172,12 +160,7 @@ private Q_SLOTS:
     }
 
 private:
-    static constexpr std::uint32_t kCommandShift = modifier_bits::kCommand | modifier_bits::kShift;
-    static constexpr std::uint16_t kSuperShift = XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT;
-
     bool xdotool(const QStringList& arguments) { return session_.run("xdotool", arguments); }
-    // Presses `keys` ("shift+e ctrl+alt+k") one after another.
-    bool press(const QString& keys) { return xdotool(QStringList{"key"} + keys.split(' ')); }
     // Another client's grab of the combination: the X error code, or 0 when it succeeded.
     static int grab(const XcbClient& client, std::uint32_t macKeyCode, std::uint16_t modifiers) {
         const auto key = static_cast<xcb_keycode_t>(*KeyCodeTable::x11KeycodeFromMac(macKeyCode));
