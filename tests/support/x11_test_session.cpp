@@ -1,11 +1,11 @@
 #include "x11_test_session.h"
 
+#include "platform/x11/xcb_client.h"
+
 #include <QGuiApplication>
 #include <QThread>
 #include <csignal>
-#include <cstdlib>
 #include <sys/prctl.h>
-#include <xcb/xcb.h>
 
 X11TestSession::~X11TestSession() {
     connection_.reset();
@@ -57,7 +57,7 @@ bool X11TestSession::waitUntil(const std::function<bool()>& condition,
 }
 
 bool X11TestSession::start(QString* error) {
-    // Xvfb takes a display no other server holds and names it once it accepts connections.
+    // Xvfb names a free display once it accepts connections.
     QProcess* server = launch("Xvfb",
                               {"-displayfd", "1", "-screen", "0",
                                QStringLiteral("%1x%2x24").arg(options_.width).arg(options_.height),
@@ -116,11 +116,9 @@ bool X11TestSession::start(QString* error) {
 
 bool X11TestSession::selectionOwned(const char* selection) const {
     xcb_connection_t* c = connection_->raw();
-    auto* reply = xcb_get_selection_owner_reply(
-        c, xcb_get_selection_owner(c, connection_->atom(selection)), nullptr);
-    const bool owned = reply && reply->owner != XCB_NONE;
-    std::free(reply);
-    return owned;
+    const auto reply = paneforge::owned(xcb_get_selection_owner_reply(
+        c, xcb_get_selection_owner(c, connection_->atom(selection)), nullptr));
+    return reply && reply->owner != XCB_NONE;
 }
 
 QStringList X11TestSession::visibleWindows(const QString& className, const QString& name) {

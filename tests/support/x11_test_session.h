@@ -10,9 +10,8 @@
 #include <memory>
 #include <optional>
 
-// A private X server for end-to-end tests: Xvfb on a free display, optionally split into two
-// monitors, with openbox managing real client windows. Every process is started and stopped by
-// its own id; nothing waits a fixed time, everything polls a condition against a deadline.
+// Xvfb on a free display, optionally split into two monitors, with openbox managing real client
+// windows. Nothing waits a fixed time: everything polls a condition against a deadline.
 class X11TestSession {
 public:
     struct Options {
@@ -33,7 +32,7 @@ public:
         return processes_.empty() ? 0 : processes_.front()->processId();
     }
 
-    // Starts a client and waits until the window manager lists a new client window; returns it.
+    // The new client window once the window manager lists it.
     std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
                                              QString* error);
     // A program that runs until the session ends; its standard error is kept for the caller.
@@ -41,7 +40,6 @@ public:
                            const QProcessEnvironment& extra = {}) {
         return launch(program, arguments, extra, false);
     }
-    // Runs a short command to its end; true when it exits with status 0.
     bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
 
     QPoint pointer();

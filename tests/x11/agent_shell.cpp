@@ -186,11 +186,10 @@ private:
         QFile file(store().getConfigPath());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    // Makes the xterm the focused window and returns its frame.
     std::optional<DesktopRect> focusXterm() {
         return session_.activate(xterm_) ? frame(xterm_) : std::nullopt;
     }
-    // Does `change` and waits until the agent registers the move hot key with `keyCode`.
+    // Until the agent registers the move hot key with `keyCode`.
     bool waitForRegistration(int keyCode, const std::function<void()>& change) {
         const QString line = QString("HotkeyManager.register id=4 keyCode=%1 ").arg(keyCode);
         const int before = logCount(line);
@@ -198,17 +197,14 @@ private:
         return waitForLog(line, before);
     }
 
-    // Opens the preferences with their hot key over xterm; waits until the window has the
-    // keyboard.
     bool openPreferences() {
         return session_.activate(xterm_) && keys("ctrl+alt+p") &&
                waitForKeyboard(kPreferences, &preferences_);
     }
-    // Tabs to the move hot key's record button and presses it; waits until the agent records.
+    // Space on the move hot key's record button: it records from the next key on.
     bool startRecordingMoveHotkey() {
         const QString started = QStringLiteral("PreferencesWindowController.record slot=4");
         const int before = logCount(started);
-        // Space presses the focused button; it records from the next key on.
         return keys("Tab", kTabsToRecordMoveHotkey) && keys("space") && waitForLog(started, before);
     }
 

@@ -45,15 +45,6 @@ struct RecordingTap {
 };
 constexpr std::uint32_t kKeyY = 0x10;
 constexpr std::uint8_t kBadAccess = 10;
-
-// A hot-key manager over its own connection to the server.
-struct Hotkeys {
-    explicit Hotkeys(const QByteArray& display)
-        : api(display.constData()) {}
-    X11HotkeyApi api;
-    QtScheduler scheduler;
-    HotkeyManager manager{api, scheduler, [](const QString&) {}};
-};
 } // namespace
 
 // The keyboard and the pointer on a real server with openbox, driven by xdotool, where the agent's
@@ -139,15 +130,17 @@ private Q_SLOTS:
         // the refusal of a later one must release it again.
         XcbClient other(display_.constData());
         QCOMPARE(grab(other, kKeyY, XCB_MOD_MASK_4 | XCB_MOD_MASK_LOCK), 0);
-        Hotkeys hotkeys(display_);
+        X11HotkeyApi api(display_.constData());
+        QtScheduler scheduler;
+        HotkeyManager manager(api, scheduler, [](const QString&) {});
         QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^X11HotkeyApi\\.register: "));
-        hotkeys.manager.registerHotkey(4, {kKeyY, modifier_bits::kCommand}, [] {});
-        QVERIFY(!hotkeys.manager.isRegistered(4));
+        manager.registerHotkey(4, {kKeyY, modifier_bits::kCommand}, [] {});
+        QVERIFY(!manager.isRegistered(4));
         QVERIFY(!isHeldByAnotherClient(kKeyY, XCB_MOD_MASK_4));
         // A key this keyboard does not have is refused as well.
         QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^X11HotkeyApi\\.register: "));
-        hotkeys.manager.registerHotkey(7, {0x34, modifier_bits::kCommand}, [] {});
-        QVERIFY(!hotkeys.manager.isRegistered(7));
+        manager.registerHotkey(7, {0x34, modifier_bits::kCommand}, [] {});
+        QVERIFY(!manager.isRegistered(7));
     }
 
     void keyNamesFollowTheServerLayout() {
