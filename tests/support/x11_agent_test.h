@@ -41,13 +41,12 @@ protected:
         env.insert("XDG_STATE_HOME", home_.filePath(QStringLiteral("state")));
         agent_ = session_.startProcess(QStringLiteral(PANEFORGE_AGENT), {}, env);
         printed_.clear();
-        return X11TestSession::waitUntil(
-                   [&] {
-                       agent_->waitForReadyRead(50);
-                       printed_ += QString::fromUtf8(agent_->readAllStandardError());
-                       return printed_.contains("ready in");
-                   },
-                   std::chrono::seconds(20)) ||
+        const auto ready = [&] {
+            agent_->waitForReadyRead(50);
+            printed_ += QString::fromUtf8(agent_->readAllStandardError());
+            return printed_.contains("ready in");
+        };
+        return X11TestSession::waitUntil(ready, std::chrono::seconds(20)) ||
                (qWarning("%s", qPrintable(printed_)), false);
     }
     QString logText() const {
@@ -90,15 +89,13 @@ protected:
     }
     // One window titled `name`, and it has the keyboard.
     bool waitForKeyboard(const QString& name, QString* id = nullptr) {
-        QStringList found;
-        const bool shown = X11TestSession::waitUntil([&] {
-            found = agentWindows(name);
-            return found.size() == 1 && found.front().toUInt() == session_.activeWindow();
+        QString scratch;
+        QString& found = id ? *id : scratch;
+        return X11TestSession::waitUntil([&] {
+            const QStringList windows = agentWindows(name);
+            found = windows.value(0);
+            return windows.size() == 1 && found.toUInt() == session_.activeWindow();
         });
-        if (id) {
-            *id = found.value(0);
-        }
-        return shown;
     }
     bool waitUntilClosed(const QString& name) {
         return X11TestSession::waitUntil([&] { return agentWindows(name).isEmpty(); });
@@ -120,13 +117,10 @@ protected:
         const QStringList before = agentWindows();
         return xdotool({"mousemove", "--window", trayIcon_, "11", "12", "click", "1"}) &&
                X11TestSession::waitUntil([&] {
-                   for (const QString& window : agentWindows()) {
-                       if (!before.contains(window)) {
-                           menu_ = window;
-                           return true;
-                       }
-                   }
-                   return false;
+                   const QStringList now = agentWindows();
+                   const auto opened = std::ranges::find_if(
+                       now, [&](const QString& window) { return !before.contains(window); });
+                   return opened != now.end() && (menu_ = *opened, true);
                }) &&
                this->keys(keys);
     }
