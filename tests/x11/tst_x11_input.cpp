@@ -157,12 +157,10 @@ private:
     // Another client's grab of the combination: the X error code, or 0 when it succeeded.
     static int grab(const XcbClient& client, std::uint32_t macKeyCode, std::uint16_t modifiers) {
         const auto key = static_cast<xcb_keycode_t>(*KeyCodeTable::x11KeycodeFromMac(macKeyCode));
-        auto* error = xcb_request_check(
+        const auto error = owned(xcb_request_check(
             client.get(), xcb_grab_key_checked(client.get(), 0, client.root(), modifiers, key,
-                                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-        const int code = error ? error->error_code : 0;
-        std::free(error);
-        return code;
+                                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+        return error ? error->error_code : 0;
     }
     // Whether a third client would be refused the combination (its own grab goes with it).
     bool isHeldByAnotherClient(std::uint32_t macKeyCode, std::uint16_t modifiers) {
