@@ -22,7 +22,7 @@ protected:
         return paneforge::ConfigStore(paneforge::LoggerFactory::makeLogger("Test"),
                                       [this] { return configHome(); });
     }
-    // The stored configuration; the defaults while the file is being replaced.
+    // The defaults while the file is being replaced.
     paneforge::PaneforgeConfig config() const {
         try {
             return store().loadConfig();
@@ -31,9 +31,7 @@ protected:
         }
     }
     QString configHome() const { return home_.filePath(QStringLiteral("config")); }
-    // Writes `initial` (when given), starts the agent with a configuration and log folder of its
-    // own, so that no test touches the user's, and waits until it says it is ready; `printed_`
-    // gets what it printed.
+    // The agent with configuration and log folders of its own; `printed_` gets what it printed.
     bool startAgent(const std::optional<paneforge::PaneforgeConfig>& initial) {
         if (initial) {
             store().saveConfig(*initial);
@@ -56,16 +54,12 @@ protected:
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     int logCount(const QString& line) const { return logText().count(line); }
-    // Waits until the diagnostic log holds `line` more often than `before` times.
     bool waitForLog(const QString& line, int before) const {
         return X11TestSession::waitUntil([&] { return logCount(line) > before; });
     }
-    // Asks the agent to quit (SIGTERM) and whether it ended cleanly, its log flushed.
+    // SIGTERM; whether the agent ended cleanly, its log flushed.
     bool quit() {
-        if (agent_) {
-            agent_->terminate();
-        }
-        return agent_ && agent_->waitForFinished(10000) &&
+        return agent_ && (agent_->terminate(), agent_->waitForFinished(10000)) &&
                agent_->exitStatus() == QProcess::NormalExit && agent_->exitCode() == 0 &&
                logText().contains(QStringLiteral("Paneforge quitting"));
     }
@@ -81,7 +75,6 @@ protected:
     bool xdotool(const QStringList& arguments, QString* output = nullptr) {
         return session_.run(QStringLiteral("xdotool"), arguments, output);
     }
-    // Presses `keys` ("Down Down Return") one after another, `times` over.
     bool keys(const QString& keys, int times = 1) {
         QStringList arguments{"key", "--delay", "20"};
         for (int i = 0; i < times; ++i) {
@@ -90,28 +83,24 @@ protected:
         return xdotool(arguments);
     }
 
-    // The agent's mapped windows titled `name` (a regular expression), or all of them: the tray
-    // icon, and its menus or windows while they are open.
+    // Titled `name` (a regular expression), or all: the tray icon, and menus or windows open.
     QStringList agentWindows(const QString& name = {}) {
         return session_.visibleWindows(QStringLiteral("paneforge"), name);
     }
-    // Waits until one window is titled `name` and it has the keyboard.
+    // One window titled `name`, and it has the keyboard.
     bool waitForKeyboard(const QString& name, QString* id = nullptr) {
-        QStringList found;
-        const bool shown = X11TestSession::waitUntil([&] {
-            found = agentWindows(name);
-            return found.size() == 1 && found.front().toUInt() == session_.activeWindow();
+        QString scratch;
+        QString& found = id ? *id : scratch;
+        return X11TestSession::waitUntil([&] {
+            const QStringList windows = agentWindows(name);
+            found = windows.value(0);
+            return windows.size() == 1 && found.toUInt() == session_.activeWindow();
         });
-        if (id) {
-            *id = found.value(0);
-        }
-        return shown;
     }
     bool waitUntilClosed(const QString& name) {
         return X11TestSession::waitUntil([&] { return agentWindows(name).isEmpty(); });
     }
 
-    // Waits until the tray icon is the agent's one window.
     bool findTrayIcon() {
         return X11TestSession::waitUntil([&] {
             const QStringList windows = agentWindows();
@@ -119,9 +108,8 @@ protected:
             return windows.size() == 1;
         });
     }
-    // Clicks the tray icon and walks the menu with `keys` ("Down Right Return").
+    // Qt keeps the menu's window and maps it again: the last opening must have closed.
     bool chooseFromTrayMenu(const QString& keys) {
-        // Qt keeps the menu's window and maps it again: wait until the last opening has closed.
         if (!menu_.isEmpty() &&
             !X11TestSession::waitUntil([&] { return !agentWindows().contains(menu_); })) {
             return false;
@@ -129,13 +117,10 @@ protected:
         const QStringList before = agentWindows();
         return xdotool({"mousemove", "--window", trayIcon_, "11", "12", "click", "1"}) &&
                X11TestSession::waitUntil([&] {
-                   for (const QString& window : agentWindows()) {
-                       if (!before.contains(window)) {
-                           menu_ = window;
-                           return true;
-                       }
-                   }
-                   return false;
+                   const QStringList now = agentWindows();
+                   const auto opened = std::ranges::find_if(
+                       now, [&](const QString& window) { return !before.contains(window); });
+                   return opened != now.end() && (menu_ = *opened, true);
                }) &&
                this->keys(keys);
     }
@@ -143,18 +128,15 @@ protected:
     std::optional<paneforge::DesktopRect> frame(std::uint32_t window) {
         return windows_.frame(paneforge::X11WindowService::wrap(window));
     }
-    // Starts a client and waits until its frame can be read; its window, or 0.
+    // Its window once its frame can be read, or 0.
     std::uint32_t startClient(const QString& program, const QStringList& arguments) {
         QString error;
         const auto window = session_.startClient(program, arguments, &error);
-        if (!window) {
-            qWarning("%s", qPrintable(error));
-        }
         return window && X11TestSession::waitUntil([&] { return frame(*window).has_value(); })
                    ? *window
-                   : 0;
+                   : (qWarning("%s", qPrintable(error)), 0u);
     }
-    // Waits until the xterm is on another display than the one it was on at `start`.
+    // On another display than at `start`.
     bool xtermLeaves(const paneforge::DesktopRect& start) {
         const auto from = displays_.getDisplayId({start.midX(), start.midY()});
         return X11TestSession::waitUntil([&] {

@@ -1,21 +1,19 @@
 #include "x11_test_session.h"
 
+#include "platform/x11/xcb_client.h"
+
 #include <QGuiApplication>
 #include <QThread>
 #include <csignal>
-#include <cstdlib>
 #include <sys/prctl.h>
-#include <xcb/xcb.h>
 
 X11TestSession::~X11TestSession() {
     connection_.reset();
-    // Clients and the window manager before the server.
-    for (auto it = processes_.rbegin(); it != processes_.rend(); ++it) {
-        QProcess& process = **it;
-        process.terminate();
-        if (!process.waitForFinished(3000)) {
-            process.kill();
-            process.waitForFinished(3000);
+    for (auto it = processes_.rbegin(); it != processes_.rend(); ++it) { // the server last
+        (*it)->terminate();
+        if (!(*it)->waitForFinished(3000)) {
+            (*it)->kill();
+            (*it)->waitForFinished(3000);
         }
     }
 }
@@ -50,17 +48,16 @@ QProcess* X11TestSession::launch(const QString& program, const QStringList& argu
 bool X11TestSession::waitUntil(const std::function<bool()>& condition,
                                std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
+    for (; !condition(); QThread::msleep(20)) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
         }
-        QThread::msleep(20);
     }
     return true;
 }
 
 bool X11TestSession::start(QString* error) {
-    // Xvfb takes a display no other server holds and names it once it accepts connections.
+    // Xvfb names a free display once it accepts connections.
     QProcess* server = launch("Xvfb",
                               {"-displayfd", "1", "-screen", "0",
                                QStringLiteral("%1x%2x24").arg(options_.width).arg(options_.height),
@@ -119,11 +116,9 @@ bool X11TestSession::start(QString* error) {
 
 bool X11TestSession::selectionOwned(const char* selection) const {
     xcb_connection_t* c = connection_->raw();
-    auto* reply = xcb_get_selection_owner_reply(
-        c, xcb_get_selection_owner(c, connection_->atom(selection)), nullptr);
-    const bool owned = reply && reply->owner != XCB_NONE;
-    std::free(reply);
-    return owned;
+    const auto reply = paneforge::owned(xcb_get_selection_owner_reply(
+        c, xcb_get_selection_owner(c, connection_->atom(selection)), nullptr));
+    return reply && reply->owner != XCB_NONE;
 }
 
 QStringList X11TestSession::visibleWindows(const QString& className, const QString& name) {
@@ -136,9 +131,8 @@ QStringList X11TestSession::visibleWindows(const QString& className, const QStri
 }
 
 QPoint X11TestSession::pointer() {
-    QString output;
+    QString output; // "x:123 y:456 screen:0 window:789"
     run("xdotool", {"getmouselocation"}, &output);
-    // "x:123 y:456 screen:0 window:789"
     const QStringList parts = output.split(QLatin1Char(' '));
     return QPoint(parts.value(0).mid(2).toInt(), parts.value(1).mid(2).toInt());
 }
@@ -150,9 +144,7 @@ X11TestSession::startClient(const QString& program, const QStringList& arguments
     std::optional<std::uint32_t> window;
     waitUntil([&] {
         for (const auto id : clientList()) {
-            if (std::find(before.begin(), before.end(), id) == before.end()) {
-                window = id;
-            }
+            window = std::ranges::find(before, id) == before.end() ? id : window;
         }
         return window || client->state() == QProcess::NotRunning;
     });
@@ -181,8 +173,7 @@ bool X11TestSession::run(const QString& program, const QStringList& arguments, Q
 int runWithX11Session(int argc, char** argv, X11TestSession::Options options,
                       const std::function<int(X11TestSession&)>& body) {
     X11TestSession session(options);
-    QString error;
-    if (!session.start(&error)) {
+    if (QString error; !session.start(&error)) {
         qCritical("could not start the X11 test session: %s", qPrintable(error));
         return 1;
     }

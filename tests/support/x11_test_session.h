@@ -4,18 +4,14 @@
 
 #include <QPoint>
 #include <QProcess>
-#include <QStringList>
 #include <QTest>
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
-// A private X server for end-to-end tests: Xvfb on a free display, optionally split into two
-// monitors, with openbox managing real client windows. Every process is started and stopped by
-// its own id; nothing waits a fixed time, everything polls a condition against a deadline.
+// Xvfb on a free display, optionally split into two monitors, with openbox managing real client
+// windows. Nothing waits a fixed time: everything polls a condition against a deadline.
 class X11TestSession {
 public:
     struct Options {
@@ -30,24 +26,20 @@ public:
         : options_(options) {}
     ~X11TestSession();
 
-    // Starts the server and the window manager. On failure `error` says why.
-    bool start(QString* error);
+    bool start(QString* error); // the server and the window manager; `error` says why not
     QString display() const { return display_; }
-    // The process id of the X server (for figures of the CPU it uses); 0 before it starts.
     qint64 serverProcessId() const {
         return processes_.empty() ? 0 : processes_.front()->processId();
     }
 
-    // Starts a client and waits until the window manager lists a new client window; returns it.
+    // The new client window once the window manager lists it.
     std::optional<std::uint32_t> startClient(const QString& program, const QStringList& arguments,
                                              QString* error);
-    // Starts a program (with extra environment entries) that runs until the session ends; its
-    // standard error is kept for the caller to read.
+    // A program that runs until the session ends; its standard error is kept for the caller.
     QProcess* startProcess(const QString& program, const QStringList& arguments,
                            const QProcessEnvironment& extra = {}) {
         return launch(program, arguments, extra, false);
     }
-    // Runs a short command to its end; true when it exits with status 0.
     bool run(const QString& program, const QStringList& arguments, QString* output = nullptr);
 
     QPoint pointer();
@@ -55,12 +47,10 @@ public:
     std::vector<std::uint32_t> rootCardinals(const char* property) const {
         return connection_->cardinals(connection_->root(), property, XCB_ATOM_ANY);
     }
-    // The window manager's active window, or 0.
     std::uint32_t activeWindow() const {
         const auto active = rootCardinals("_NET_ACTIVE_WINDOW");
         return active.empty() ? 0 : active.front();
     }
-    // Asks the window manager to activate `window` and waits until it is the active one.
     bool activate(std::uint32_t window) {
         return run("xdotool", {"windowactivate", "--sync", QString::number(window)}) &&
                waitUntil([&] { return activeWindow() == window; });

@@ -24,7 +24,6 @@ const QString kSingleMatch = QStringLiteral("updateOverlayState match modifiers=
 const QString kSnapped = QStringLiteral("SnapController.snapAndHide window ");
 const QString kSetFrame = QStringLiteral("X11WindowService.setFrame ");
 
-// A root-space rectangle (top-left origin) in desktop space.
 DesktopRect fromRoot(double x, double y, double width, double height) {
     return DesktopRect(x, kScreenHeight - y - height, width, height);
 }
@@ -259,29 +258,23 @@ private:
     // starts moving it, and presses `keys` once the agent saw the drag start.
     bool grabTitleBarAndPress(const QString& keys, const QString& expectedMatch = kSingleMatch) {
         const auto current = frame();
-        if (!current) {
-            return false;
-        }
-        // A point on the title bar: the frame's top edge, a few pixels down, halfway across.
-        const QPoint grab(static_cast<int>(current->midX()),
-                          static_cast<int>(kScreenHeight - current->maxY()) + 8);
         const int before = logCount(expectedMatch);
-        return xdotool({"mousemove", QString::number(grab.x()), QString::number(grab.y())}) &&
+        // On the title bar: halfway across, a few pixels below the frame's top edge.
+        return current &&
+               xdotool({"mousemove", QString::number(int(current->midX())),
+                        QString::number(int(kScreenHeight - current->maxY()) + 8)}) &&
                xdotool({"mousedown", "1"}) && xdotool({"mousemove_relative", "--", "4", "4"}) &&
                xdotool({"keydown", keys}) && waitForLog(expectedMatch, before);
     }
 
-    // Lets go of the button, then of `keys`, and waits until the snap has set the frame.
     bool releaseButtonAndKeys(const QString& keys) {
         const int before = logCount(kSnapped);
-        const int framesBefore = logCount(kSetFrame);
-        // The frame is set, then set twice more shortly after; let all three land.
+        const int framesBefore = logCount(kSetFrame); // set, then twice more shortly after
         return xdotool({"mouseup", "1"}) && waitForLog(kSnapped, before) &&
                xdotool({"keyup", keys}) &&
                X11TestSession::waitUntil([&] { return logCount(kSetFrame) >= framesBefore + 3; });
     }
 
-    // A drag with Super onto the zone under `root`, which must give the window `expected`.
     bool snapTo(QPoint root, const DesktopRect& expected) {
         return grabTitleBarAndPress("super") && moveTo(root) && moveTo(root + QPoint(2, 2)) &&
                releaseButtonAndKeys("super") && waitForFrame(expected);

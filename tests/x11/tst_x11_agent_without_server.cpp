@@ -17,15 +17,11 @@ private Q_SLOTS:
             ++number;
         }
         const QString display = QString(":%1").arg(number);
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("DISPLAY", display);
-        env.remove("QT_QPA_PLATFORM");
         const QTemporaryDir home;
-        env.insert("XDG_CONFIG_HOME", home.path());
-        env.insert("XDG_STATE_HOME", home.path());
         QProcess agent;
-        agent.setProcessEnvironment(env);
-        agent.start(PANEFORGE_AGENT, {});
+        agent.start("env", {"-u", "QT_QPA_PLATFORM", "DISPLAY=" + display,
+                            "XDG_CONFIG_HOME=" + home.path(), "XDG_STATE_HOME=" + home.path(),
+                            PANEFORGE_AGENT});
         QVERIFY(agent.waitForFinished(10000));
         const QString error = QString::fromLocal8Bit(agent.readAllStandardError());
         QCOMPARE(agent.exitStatus(), QProcess::NormalExit);

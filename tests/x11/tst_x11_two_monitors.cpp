@@ -1,4 +1,5 @@
 #include "platform/x11/x11_display_services.h"
+#include "platform/x11/xcb_client.h"
 #include "x11_test_session.h"
 
 #include <QTest>
@@ -53,11 +54,10 @@ private Q_SLOTS:
     void anotherMonitorOnTheOutputIsSeen() {
         // A monitor with an EDID (serial 57920) on the left monitor's output, as RandR reports it.
         xcb_connection_t* c = connection_.raw();
-        auto* resources = xcb_randr_get_screen_resources_current_reply(
-            c, xcb_randr_get_screen_resources_current(c, connection_.root()), nullptr);
+        const auto resources = owned(xcb_randr_get_screen_resources_current_reply(
+            c, xcb_randr_get_screen_resources_current(c, connection_.root()), nullptr));
         QVERIFY(resources);
-        const auto output = xcb_randr_get_screen_resources_current_outputs(resources)[0];
-        std::free(resources);
+        const auto output = xcb_randr_get_screen_resources_current_outputs(resources.get())[0];
         xcb_randr_change_output_property(c, output, connection_.atom("EDID"), XCB_ATOM_INTEGER, 8,
                                          XCB_PROP_MODE_REPLACE, 128,
                                          QByteArray::fromHex("00ffffffffffff0010ac344140e2")
