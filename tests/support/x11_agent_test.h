@@ -53,6 +53,11 @@ protected:
         QFile file(home_.filePath(QStringLiteral("state/Paneforge/Paneforge.log")));
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
+    // The log's last lines, for a failure's message (Qt Test cuts long messages short).
+    QString logTail() const {
+        const QStringList lines = logText().split(QLatin1Char('\n'));
+        return lines.mid(std::max<qsizetype>(0, lines.size() - 16)).join(QLatin1Char('\n'));
+    }
     int logCount(const QString& line) const { return logText().count(line); }
     bool waitForLog(const QString& line, int before) const {
         return X11TestSession::waitUntil([&] { return logCount(line) > before; });

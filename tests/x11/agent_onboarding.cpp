@@ -17,7 +17,7 @@ public:
 private Q_SLOTS:
     void firstStartShowsTheGuideWithTheKeyboard() {
         QVERIFY(startAgent(std::nullopt));
-        QVERIFY2(waitForKeyboard(guide_), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard(guide_), qPrintable(logTail()));
         // X11 with XInput 2.1 needs nothing from the user: no coach.
         QVERIFY(!logText().contains("PrivacyPermissionGate.coach"));
     }
@@ -28,7 +28,7 @@ private Q_SLOTS:
         const QString guide = agentWindows(guide_).value(0);
         QVERIFY(keys("Return Tab space"));
         QVERIFY2(X11TestSession::waitUntil([&] { return agentWindows(editor_).size() == 1; }),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
         QCOMPARE(agentWindows(guide_), QStringList{guide});
         QVERIFY(keys("Escape"));
         QVERIFY(waitUntilClosed(editor_));
@@ -43,7 +43,7 @@ private Q_SLOTS:
 
     void aSecondStartShowsNothingButTheMenuRowDoes() {
         QVERIFY(startAgent(std::nullopt));
-        QVERIFY2(logText().contains("permissionsReady quickStart=false"), qPrintable(logText()));
+        QVERIFY2(logText().contains("permissionsReady quickStart=false"), qPrintable(logTail()));
         QVERIFY(agentWindows(guide_).isEmpty());
 
         // "Quick Start…", the fifth row from the bottom, opens it again with the keyboard; closed

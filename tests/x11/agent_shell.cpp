@@ -53,7 +53,7 @@ private Q_SLOTS:
     void windowManagersCombinationIsRefused() {
         // Super+D is openbox's "show the desktop"; the other hot keys register (they work below).
         QVERIFY2(logText().contains("RegisterEventHotKey failed: BadAccess (id=1)"),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
         // A build run from its build tree never writes an autostart entry, whatever the setting.
         QVERIFY(!QDir(configHome() + "/autostart").exists());
     }
@@ -64,7 +64,7 @@ private Q_SLOTS:
              {"ctrl+alt+m", "Num_Lock Caps_Lock ctrl+alt+m Num_Lock Caps_Lock"}) {
             const auto start = focusXterm();
             QVERIFY(start && keys(press));
-            QVERIFY2(xtermLeaves(*start), qPrintable(logText()));
+            QVERIFY2(xtermLeaves(*start), qPrintable(logTail()));
         }
     }
 
@@ -86,9 +86,9 @@ private Q_SLOTS:
         const QByteArray changed = configBytes();
         QVERIFY(focusXterm());
         QVERIFY(chooseFromTrayMenu("Up Up Up Up Up Up Return"));
-        QVERIFY2(waitForKeyboard("^Restore Settings$"), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard("^Restore Settings$"), qPrintable(logTail()));
         QVERIFY(xdotool({"type", backup}) && keys("Return"));
-        QVERIFY2(waitForKeyboard("^Restore Settings\\?$"), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard("^Restore Settings\\?$"), qPrintable(logTail()));
         QCOMPARE(configBytes(), changed);
         QVERIFY(waitForRegistration(46, [&] { keys("Return"); }));
         QVERIFY(X11TestSession::waitUntil([&] { return configBytes() == original; }));
@@ -101,7 +101,7 @@ private Q_SLOTS:
         // The fifth row, "Zone Editor…", opens its submenu of displays; the editor takes the
         // keyboard, and Escape closes it.
         QVERIFY(chooseFromTrayMenu("Down Down Down Down Down Right Down Return"));
-        QVERIFY2(waitForKeyboard("^Paneforge Zone Editor$"), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard("^Paneforge Zone Editor$"), qPrintable(logTail()));
         QVERIFY(logText().contains(
             QString("showEditor displayId=%1 ").arg(displays_.getActiveDisplays().at(1))));
         QVERIFY(keys("Escape"));
@@ -121,17 +121,17 @@ private Q_SLOTS:
     }
 
     void preferencesTakeTheKeyboardAndSaveAChange() {
-        QVERIFY2(openPreferences(), qPrintable(logText()));
+        QVERIFY2(openPreferences(), qPrintable(logTail()));
         // The window opens on the margin slider: the arrow key moves it by a point.
         QCOMPARE(config().cellMarginPoints(), 8.0);
         QVERIFY(keys("Right"));
         QVERIFY2(X11TestSession::waitUntil([&] { return config().cellMarginPoints() == 9.0; }),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
     }
 
     void aRecordedHotkeyWorksAtOnce() {
-        QVERIFY2(startRecordingMoveHotkey(), qPrintable(logText()));
-        QVERIFY2(waitForRegistration(45, [&] { keys("ctrl+alt+n"); }), qPrintable(logText()));
+        QVERIFY2(startRecordingMoveHotkey(), qPrintable(logTail()));
+        QVERIFY2(waitForRegistration(45, [&] { keys("ctrl+alt+n"); }), qPrintable(logTail()));
         QCOMPARE(config().moveToNextDisplayHotkey(),
                  std::optional(HotkeyDefinition{45, kControlOption}));
         QVERIFY(keys("Escape"));
@@ -143,8 +143,8 @@ private Q_SLOTS:
         QVERIFY(start);
         const int before = logCount(kTriggered);
         QVERIFY(keys("ctrl+alt+m ctrl+alt+n"));
-        QVERIFY2(waitForLog(kTriggered, before), qPrintable(logText()));
-        QVERIFY2(xtermLeaves(*start), qPrintable(logText()));
+        QVERIFY2(waitForLog(kTriggered, before), qPrintable(logTail()));
+        QVERIFY2(xtermLeaves(*start), qPrintable(logTail()));
         QCOMPARE(logCount(kTriggered), before + 1);
     }
 
@@ -155,9 +155,9 @@ private Q_SLOTS:
             QStringLiteral("PreferencesWindowController.recorded slot=4 keyCode=45 modifiers=6144");
         const int recordedBefore = logCount(recorded);
         const int triggeredBefore = logCount(kTriggered);
-        QVERIFY2(startRecordingMoveHotkey(), qPrintable(logText()));
+        QVERIFY2(startRecordingMoveHotkey(), qPrintable(logTail()));
         QVERIFY(keys("ctrl+alt+n"));
-        QVERIFY2(waitForLog(recorded, recordedBefore), qPrintable(logText()));
+        QVERIFY2(waitForLog(recorded, recordedBefore), qPrintable(logTail()));
         QCOMPARE(logCount(kTriggered), triggeredBefore);
         QVERIFY(keys("Escape"));
         QVERIFY(waitUntilClosed(kPreferences));
@@ -170,7 +170,7 @@ private Q_SLOTS:
         QVERIFY(keys("space"));
         QVERIFY2(
             X11TestSession::waitUntil([&] { return agentWindows() == QStringList{preferences_}; }),
-            qPrintable(logText()));
+            qPrintable(logTail()));
         QVERIFY(X11TestSession::waitUntil([&] { return config().hideMenuBarIcon() == true; }));
         // And back.
         QVERIFY(keys("space"));

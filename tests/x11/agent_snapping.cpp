@@ -74,7 +74,7 @@ private Q_SLOTS:
     }
 
     void singleSnapPressedMidDrag() {
-        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logText()));
+        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logTail()));
         // The zones are up, covering the whole screen (there are no panels).
         QStringList overlay;
         QVERIFY(X11TestSession::waitUntil(
@@ -85,7 +85,7 @@ private Q_SLOTS:
                  qPrintable(geometry));
         // Over the top-right zone: root (965, 10) 945 x 525.
         QVERIFY(moveTo(QPoint(1400, 300)) && moveTo(QPoint(1402, 302)));
-        QVERIFY2(releaseButtonAndKeys("super"), qPrintable(logText()));
+        QVERIFY2(releaseButtonAndKeys("super"), qPrintable(logTail()));
         QVERIFY(waitUntilClosed("^Paneforge Zones$"));
         QVERIFY2(waitForFrame(fromRoot(965, 10, 945, 525)), qPrintable(failure()));
     }
@@ -93,14 +93,14 @@ private Q_SLOTS:
     void multiSnapTakesTheBoundingBox() {
         QVERIFY2(grabTitleBarAndPress("super+shift", "updateOverlayState match modifiers=768 "
                                                      "mode=multi"),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
         // Through the top-left and top-right zones, released over the bottom-right one, resting in
         // each a while as a hand would: nothing outside shows which zones the agent has taken.
         for (const QPoint zone : {QPoint(400, 300), QPoint(1400, 300), QPoint(1400, 800)}) {
             QVERIFY(moveTo(zone));
             QTest::qWait(500);
         }
-        QVERIFY2(releaseButtonAndKeys("super+shift"), qPrintable(logText()));
+        QVERIFY2(releaseButtonAndKeys("super+shift"), qPrintable(logTail()));
         QVERIFY2(waitForFrame(fromRoot(10, 10, 1900, 1060)), qPrintable(failure()));
     }
 
@@ -109,7 +109,7 @@ private Q_SLOTS:
         QVERIFY(xdotool({"windowmove", QString::number(logo_), "200", "200"}));
         QVERIFY(X11TestSession::waitUntil([this] { return frame() && frame()->minX() > 150; }));
 
-        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logText()));
+        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logTail()));
         const DesktopRect original = *frame();
         QVERIFY(moveTo(QPoint(1400, 700)));
         QTest::qWait(500);
@@ -145,7 +145,7 @@ private Q_SLOTS:
                      return displays.contains(leftId) &&
                             displays.at(leftId).activeLayoutId() == "rows";
                  }),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
         // The heads-up display names it without taking the keyboard, and leaves a second later.
         QVERIFY(X11TestSession::waitUntil(
             [&] { return !agentWindows("^Paneforge Layout$").isEmpty(); }));
@@ -159,7 +159,7 @@ private Q_SLOTS:
         // The monitor has no layouts: the selector saves one first and shows its card, over a
         // dimmed backdrop, with the keyboard.
         QVERIFY(xdotool({"mousemove", "960", "300"}) && keys("ctrl+alt+l"));
-        QVERIFY2(waitForKeyboard("^Switch Layout$"), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard("^Switch Layout$"), qPrintable(logTail()));
         QVERIFY(X11TestSession::waitUntil(
             [&] { return !agentWindows("^Paneforge Layout Backdrop$").isEmpty(); }));
         QCOMPARE(config().displays().at(displayIdAt({10, 10})).layouts().size(), std::size_t{1});
@@ -173,7 +173,7 @@ private Q_SLOTS:
         // The right monitor's layout has one horizontal line; its editor opens there, with the
         // keyboard.
         QVERIFY(moveTo(QPoint(1400, 600)) && keys("ctrl+alt+e"));
-        QVERIFY2(waitForKeyboard("^Paneforge Zone Editor$"), qPrintable(logText()));
+        QVERIFY2(waitForKeyboard("^Paneforge Zone Editor$"), qPrintable(logTail()));
         const auto click = [this](int x, int y, const QString& button) {
             return xdotool({"mousemove", QString::number(x), QString::number(y), "click", button});
         };
@@ -186,7 +186,7 @@ private Q_SLOTS:
         QVERIFY(click(1680, 300, "3"));
         // The old name is selected: typing replaces it.
         QVERIFY(xdotool({"type", "Desk"}) && keys("Return"));
-        QVERIFY2(waitUntilClosed("^Paneforge Zone Editor$"), qPrintable(logText()));
+        QVERIFY2(waitUntilClosed("^Paneforge Zone Editor$"), qPrintable(logTail()));
 
         const auto active =
             DisplayLayoutService().getActiveLayout(config(), displayIdAt({970, 10}));
@@ -224,7 +224,7 @@ private Q_SLOTS:
             store().saveConfig(config_->withCellMarginPoints(kind.toDouble()));
         }
 
-        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logText()));
+        QVERIFY2(grabTitleBarAndPress("super"), qPrintable(logTail()));
         QVERIFY(moveTo(QPoint(1400, 300)) && moveTo(QPoint(1402, 302)));
         const int before = logCount(outcome);
         QVERIFY(xdotool({"mouseup", "1"}));
@@ -232,7 +232,7 @@ private Q_SLOTS:
         QVERIFY2(X11TestSession::waitUntil([&] {
                      return logCount(outcome) >= before + (outcome.startsWith("X11") ? 3 : 1);
                  }),
-                 qPrintable(logText()));
+                 qPrintable(logTail()));
         QVERIFY(xdotool({"keyup", "super"}));
         const auto current = frame();
         QVERIFY2(current && current->minX() >= 0 && current->maxX() <= 1920 &&
@@ -244,7 +244,7 @@ private Q_SLOTS:
 
     void cleanupTestCase() {
         // Still running after every drag, the agent quits cleanly when asked.
-        QVERIFY2(quit(), qPrintable(logText()));
+        QVERIFY2(quit(), qPrintable(logTail()));
     }
 
 private:
