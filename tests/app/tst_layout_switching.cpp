@@ -47,14 +47,14 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QString>("layouts"); // afterwards, the active one starred
         QTest::addColumn<QString>("shown");   // empty: nothing happens
-        QTest::newRow("wraps round") << QStringList{"A", "B", "C"} << "A B *C"
-                                     << "C";
-        QTest::newRow("blank name") << QStringList{"A", " "} << "A * "
-                                    << "Untitled";
-        QTest::newRow("one layout") << QStringList{"A"} << "*A"
-                                    << "";
-        QTest::newRow("no entry") << QStringList{} << ""
-                                  << "";
+        const auto row = [](const char* name, QStringList names, const char* layouts,
+                            const char* shown) {
+            QTest::newRow(name) << names << layouts << shown;
+        };
+        row("wraps round", {"A", "B", "C"}, "A B *C", "C");
+        row("blank name", {"A", " "}, "A * ", "Untitled");
+        row("one layout", {"A"}, "*A", "");
+        row("no entry", {}, "", "");
     }
     void cyclingBack() {
         QFETCH(QStringList, names);
