@@ -41,9 +41,6 @@ private Q_SLOTS:
         const auto token =
             t.center.observe(notifications::kEventTapInstalled, [&] { ++installedNotices; });
         t.manager.arm();
-        QCOMPARE(t.api.lines.count("EventTapManager.start: requested Input "
-                                   "Monitoring access. granted=false"),
-                 1);
         t.scheduler.advance(3.0);
         QCOMPARE(t.api.creations, 4); // the first attempt and one each second
         QCOMPARE(t.api.requests, 1);  // asked once per cycle
@@ -73,7 +70,6 @@ private Q_SLOTS:
         h.manager->registerHotkey(1, {14, 768}, [&] { ++triggered; });
         h.manager->registerHotkey(1, {15, 768}, [&] { ++triggered; }); // replaces
         QCOMPARE(h.api.registered, (std::map<std::uint64_t, std::uint32_t>{{101, 1}}));
-        QCOMPARE(h.api.lastSignature, HotkeyManager::kSignature);
         h.api.pressed(1);
         QCOMPARE(triggered, 0); // not inside the platform's handler
         h.scheduler.runPosted();

@@ -92,17 +92,11 @@ private Q_SLOTS:
         Settings s;
         ConfigSnapshot snapshot; // only the required keys
         snapshot.defaultLayout = GridDefinition(QStringLiteral("d"), QStringLiteral("D"), {}, {});
-        snapshot.cellMarginPoints = 4;
         s.store.saveConfig(PaneforgeConfig(snapshot));
-        const PreferencesController& p = s.preferences;
-        QCOMPARE(p.getMultiSnapModifiers(), ModifierDefinition{768});
-        QCOMPARE(p.getRestoreWindowSizeOnUnsnap(), true);
+        QCOMPARE(s.preferences.getMultiSnapModifiers(), ModifierDefinition{768});
         QCOMPARE(s.config(), PaneforgeConfig(snapshot)); // reading changes nothing
-        s.store.saveConfig(
-            PaneforgeConfig(snapshot).withRestoreWindowSizeOnUnsnap(false).withSingleSnapModifiers(
-                ModifierDefinition{0}));
-        QCOMPARE(p.getRestoreWindowSizeOnUnsnap(), false);
-        QCOMPARE(p.getSingleSnapModifiers(), ModifierDefinition{0});
+        s.store.saveConfig(PaneforgeConfig(snapshot).withMultiSnapModifiers(ModifierDefinition{0}));
+        QCOMPARE(s.preferences.getMultiSnapModifiers(), ModifierDefinition{0});
     }
 
     // The label under the slider, for values a hand-edited file may hold; "12 pt" for 12.7 and the

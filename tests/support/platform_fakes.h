@@ -24,16 +24,14 @@ public:
     std::function<void(std::uint32_t)> pressed;
     std::map<std::uint64_t, std::uint32_t> registered; // handle -> id
     std::uint64_t nextHandle = 100;
-    std::uint32_t lastSignature = 0;
     bool handlerRemoved = false;
 
     void installHandler(std::function<void(std::uint32_t)> onPressed) override {
         pressed = std::move(onPressed);
     }
     void removeHandler() override { handlerRemoved = true; }
-    Registration registerHotKey(std::uint32_t, std::uint32_t, std::uint32_t signature,
+    Registration registerHotKey(std::uint32_t, std::uint32_t, std::uint32_t,
                                 std::uint32_t id) override {
-        lastSignature = signature;
         registered[nextHandle] = id;
         return {Result::Registered, nextHandle++, {}};
     }

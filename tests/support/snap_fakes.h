@@ -190,7 +190,6 @@ public:
     int liveTaps = 0;
     std::uint64_t lastMask = 0;
     InputEventHandler handler;
-    QStringList lines;
 
     bool preflightListenEventAccess() override { return granted; }
     bool requestListenEventAccess() override {
@@ -206,7 +205,7 @@ public:
     bool startDelivery(EventTapHandle&) override { return true; }
     void stopDelivery(EventTapHandle&) override {}
     void enableTap(EventTapHandle&) override {}
-    void systemLog(const QString& message) override { lines << message; }
+    void systemLog(const QString&) override {}
 
 private:
     struct Tap final : EventTapHandle {
