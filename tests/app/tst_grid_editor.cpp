@@ -103,7 +103,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("flashes");
         QTest::addColumn<Splits>("left");
         QTest::newRow("0.012 flashes only") << 0.512 << true << Splits{0.5};
-        QTest::newRow("0.008 removes") << 0.508 << true << Splits{};
         QTest::newRow("0.016 does nothing") << 0.516 << false << Splits{0.5};
     }
     void secondaryClick() {

@@ -94,7 +94,6 @@ private Q_SLOTS:
         QCOMPARE(int(content.items.size()), 5);
         QCOMPARE(s.screen.selector->frame, kVisibleFrame);
         QVERIFY(content.items.front().isActive);
-        QCOMPARE(content.layouts.front().id(), content.items.front().id);
         s.screen.pick(QStringLiteral("not-this-display's"));
         QVERIFY(!s.screen.selector);
         QCOMPARE(s.file(), before);

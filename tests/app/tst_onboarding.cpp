@@ -49,9 +49,6 @@ const QString kResetAccessibility = QStringLiteral("/usr/bin/tccutil reset Acces
 const QString kResetListenEvent = QStringLiteral("/usr/bin/tccutil reset ListenEvent");
 
 struct Guide {
-    Guide() {
-        views.journal = [](const QString&) {};
-    }
     fakes::Views views;
     int completions = 0;
     QuickStartController controller{[this](QuickStartActions actions) {

@@ -103,8 +103,6 @@ private Q_SLOTS:
     // slider's own values: tst_preferences_window.
     void marginTexts() {
         QCOMPARE(PreferencesWindowController::marginText(-0.5), QStringLiteral("0 pt"));
-        QCOMPARE(PreferencesWindowController::marginText(1e20),
-                 QStringLiteral("100000000000000000000 pt"));
     }
 
     // The Qt window test reads the Linux words; these are the macOS ones.

@@ -70,7 +70,6 @@ struct Rig {
     }
     void flags(std::uint32_t flags) { send(InputEvent::FlagsChanged, flags); }
     void up(std::uint32_t flags) { send(InputEvent::LeftMouseUp, flags); }
-    // Grabs at `from`, presses the single snap combination there and lets go at `to`.
     void snap(DesktopPoint to, DesktopPoint from = kStart) {
         down(from);
         flags(kCommand);
@@ -165,7 +164,7 @@ private Q_SLOTS:
 
     void pressingAgainResumesWithTheSameWindow() {
         Rig rig;
-        auto other = rig.windows.add(8, DesktopRect(500, 300, 400, 400));
+        rig.windows.add(8, DesktopRect(500, 300, 400, 400));
         rig.down(kStart);
         rig.flags(kCommand);
         rig.flags(0);
@@ -174,7 +173,6 @@ private Q_SLOTS:
         QCOMPARE(rig.controller->originalWindowFrame(), std::optional(kWindowFrame));
         rig.up(kCommand);
         QCOMPARE(rig.windows.setFrameCalls.back().windowId, 7);
-        QCOMPARE(other->frame, DesktopRect(500, 300, 400, 400));
     }
 
     void movingToAnotherDisplayMovesTheOverlay() {
@@ -256,8 +254,6 @@ private Q_SLOTS:
 
     void disabledTapIsReinstalled() {
         Rig rig;
-        rig.send(InputEvent::TapDisabledByTimeout, 0); // not started: left alone
-        QCOMPARE(rig.taps.creations, 0);
         rig.controller->start();
         rig.taps.handler(InputEvent{InputEvent::TapDisabledByUserInput, {}, 0});
         QCOMPARE(rig.taps.creations, 2);

@@ -1,7 +1,5 @@
 #pragma once
 
-// The desktop the snap controller works on: screens, windows, the overlay and the event tap.
-
 #include "app/input/event_tap_manager.h"
 #include "app/ports/display_services.h"
 #include "app/ports/snap_overlay.h"
@@ -20,7 +18,6 @@ namespace fakes {
 
 using namespace paneforge;
 
-// Screens, display identities and the pointer in one place.
 class Desk final : public ScreenListing, public DisplayService, public DisplayFrameService {
 public:
     std::vector<ScreenInfo> screenList;
