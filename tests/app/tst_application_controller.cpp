@@ -206,7 +206,6 @@ private Q_SLOTS:
         };
         // A build tree never touches it: agent_shell.
         const char* usr = "/usr/bin/paneforge";
-        row("turned on", usr, "", false, false, true, "Exec=/usr/bin/paneforge");
         row("turned off", usr, "[Desktop Entry]\nExec=/usr/bin/paneforge\n", true, true, false, "");
         row("hidden in the desktop's settings", "/usr/local/bin/paneforge",
             "[Desktop Entry]\nExec=paneforge\nHidden=true\n", true, false, true,

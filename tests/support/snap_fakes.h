@@ -185,7 +185,6 @@ public:
     int requests = 0;
     int creations = 0;
     int liveTaps = 0;
-    std::uint64_t lastMask = 0;
     InputEventHandler handler;
 
     bool preflightListenEventAccess() override { return granted; }
@@ -193,9 +192,8 @@ public:
         ++requests;
         return granted;
     }
-    std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask, InputEventHandler h) override {
+    std::unique_ptr<EventTapHandle> createTap(std::uint64_t, InputEventHandler h) override {
         ++creations;
-        lastMask = mask;
         handler = std::move(h);
         return granted ? std::make_unique<Tap>(liveTaps) : nullptr;
     }
