@@ -47,14 +47,14 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QString>("layouts"); // afterwards, the active one starred
         QTest::addColumn<QString>("shown");   // empty: nothing happens
-        QTest::newRow("wraps round") << QStringList{"A", "B", "C"} << "A B *C"
-                                     << "C";
-        QTest::newRow("blank name") << QStringList{"A", " "} << "A * "
-                                    << "Untitled";
-        QTest::newRow("one layout") << QStringList{"A"} << "*A"
-                                    << "";
-        QTest::newRow("no entry") << QStringList{} << ""
-                                  << "";
+        const auto row = [](const char* name, QStringList names, const char* layouts,
+                            const char* shown) {
+            QTest::newRow(name) << names << layouts << shown;
+        };
+        row("wraps round", {"A", "B", "C"}, "A B *C", "C");
+        row("blank name", {"A", " "}, "A * ", "Untitled");
+        row("one layout", {"A"}, "*A", "");
+        row("no entry", {}, "", "");
     }
     void cyclingBack() {
         QFETCH(QStringList, names);
@@ -94,7 +94,6 @@ private Q_SLOTS:
         QCOMPARE(int(content.items.size()), 5);
         QCOMPARE(s.screen.selector->frame, kVisibleFrame);
         QVERIFY(content.items.front().isActive);
-        QCOMPARE(content.layouts.front().id(), content.items.front().id);
         s.screen.pick(QStringLiteral("not-this-display's"));
         QVERIFY(!s.screen.selector);
         QCOMPARE(s.file(), before);

@@ -18,7 +18,6 @@ public:
         return schedule(seconds, std::move(task), true);
     }
 
-    double now() const { return now_; }
     // Runs posted tasks (and the tasks they post) until none is left.
     void runPosted();
     // Moves the clock forward, running posted tasks and every timer that falls due, in time order.

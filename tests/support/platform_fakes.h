@@ -1,8 +1,7 @@
 #pragma once
 
-// A whole platform and view factory of fakes, over the desk and windows of snap_fakes.h. The
-// shell's fakes write what they are asked into one journal, so that a test reads the order from
-// one list.
+// A platform and view factory of fakes over snap_fakes.h; the shell's fakes write what they are
+// asked into one journal.
 
 #include "app/input/hotkey_manager.h"
 #include "app/ports/key_down_monitor_api.h"
@@ -24,16 +23,14 @@ public:
     std::function<void(std::uint32_t)> pressed;
     std::map<std::uint64_t, std::uint32_t> registered; // handle -> id
     std::uint64_t nextHandle = 100;
-    std::uint32_t lastSignature = 0;
     bool handlerRemoved = false;
 
     void installHandler(std::function<void(std::uint32_t)> onPressed) override {
         pressed = std::move(onPressed);
     }
     void removeHandler() override { handlerRemoved = true; }
-    Registration registerHotKey(std::uint32_t, std::uint32_t, std::uint32_t signature,
+    Registration registerHotKey(std::uint32_t, std::uint32_t, std::uint32_t,
                                 std::uint32_t id) override {
-        lastSignature = signature;
         registered[nextHandle] = id;
         return {Result::Registered, nextHandle++, {}};
     }
@@ -43,7 +40,6 @@ public:
 // One monitor at a time; press() plays a key press in one of Paneforge's windows.
 class KeyDownMonitor final : public KeyDownMonitorApi {
 public:
-    int installed = 0;
     std::shared_ptr<Handler> handler;
 
     std::unique_ptr<Monitor> addLocalMonitor(Handler h) override {
@@ -60,13 +56,8 @@ public:
 private:
     struct Installed final : Monitor {
         explicit Installed(KeyDownMonitor& api)
-            : api(api) {
-            ++api.installed;
-        }
-        ~Installed() override {
-            --api.installed;
-            api.handler.reset();
-        }
+            : api(api) {}
+        ~Installed() override { api.handler.reset(); }
         KeyDownMonitor& api;
     };
 };
@@ -137,7 +128,6 @@ public:
 
 using Journal = std::function<void(const QString&)>;
 
-// Notes the call in the journal and gives the fake's answer.
 template <typename T> T noted(const Journal& journal, const QString& line, T answer) {
     journal(line);
     return answer;

@@ -1,7 +1,5 @@
 #pragma once
 
-// The desktop the snap controller works on: screens, windows, the overlay and the event tap.
-
 #include "app/input/event_tap_manager.h"
 #include "app/ports/display_services.h"
 #include "app/ports/snap_overlay.h"
@@ -20,7 +18,6 @@ namespace fakes {
 
 using namespace paneforge;
 
-// Screens, display identities and the pointer in one place.
 class Desk final : public ScreenListing, public DisplayService, public DisplayFrameService {
 public:
     std::vector<ScreenInfo> screenList;
@@ -188,25 +185,22 @@ public:
     int requests = 0;
     int creations = 0;
     int liveTaps = 0;
-    std::uint64_t lastMask = 0;
     InputEventHandler handler;
-    QStringList lines;
 
     bool preflightListenEventAccess() override { return granted; }
     bool requestListenEventAccess() override {
         ++requests;
         return granted;
     }
-    std::unique_ptr<EventTapHandle> createTap(std::uint64_t mask, InputEventHandler h) override {
+    std::unique_ptr<EventTapHandle> createTap(std::uint64_t, InputEventHandler h) override {
         ++creations;
-        lastMask = mask;
         handler = std::move(h);
         return granted ? std::make_unique<Tap>(liveTaps) : nullptr;
     }
     bool startDelivery(EventTapHandle&) override { return true; }
     void stopDelivery(EventTapHandle&) override {}
     void enableTap(EventTapHandle&) override {}
-    void systemLog(const QString& message) override { lines << message; }
+    void systemLog(const QString&) override {}
 
 private:
     struct Tap final : EventTapHandle {
